@@ -1,0 +1,30 @@
+# The para-virtualised ARM target: armv7-a, Thumb-2, soft-float, little-endian, position independent.
+set(CMAKE_SYSTEM_NAME Generic)
+set(CMAKE_SYSTEM_PROCESSOR arm)
+
+find_program(KV_CLANG NAMES clang clang-14 REQUIRED)
+find_program(KV_CLANGXX NAMES clang++ clang++-14 REQUIRED)
+find_program(KV_LLD NAMES ld.lld ld.lld-14 REQUIRED)
+
+set(CMAKE_C_COMPILER ${KV_CLANG})
+set(CMAKE_CXX_COMPILER ${KV_CLANGXX})
+set(CMAKE_ASM_COMPILER ${KV_CLANG})
+set(KV_TARGET_TRIPLE armv7a-none-eabi)
+set(CMAKE_C_COMPILER_TARGET ${KV_TARGET_TRIPLE})
+set(CMAKE_CXX_COMPILER_TARGET ${KV_TARGET_TRIPLE})
+set(CMAKE_ASM_COMPILER_TARGET ${KV_TARGET_TRIPLE})
+
+set(KV_ARCH_FLAGS "-mthumb -march=armv7-a -mfloat-abi=soft -fPIC -Wno-unused-command-line-argument")
+set(KV_CXX_FLAGS "-nostdlibinc -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-unwind-tables -fno-asynchronous-unwind-tables")
+set(CMAKE_C_FLAGS_INIT "${KV_ARCH_FLAGS} -nostdlibinc")
+set(CMAKE_CXX_FLAGS_INIT "${KV_ARCH_FLAGS} ${KV_CXX_FLAGS}")
+set(CMAKE_ASM_FLAGS_INIT "${KV_ARCH_FLAGS}")
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-fuse-ld=lld -nostdlib -Wl,--build-id=none")
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "-fuse-ld=lld -nostdlib -Wl,--build-id=none")
+
+# Programs are hosted C and C++ (main is special) on this library's headers and the compiler's;
+# the library itself adds -ffreestanding. Nothing from the build machine's libraries or headers may leak into the target.
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
