@@ -1,0 +1,65 @@
+#!/usr/bin/env bash
+# What libc.so exports, as a loader sees its dynamic symbol table: every entry point with its
+# binding, the errno accessors, and none of the ISO C names.
+set -u
+lib=$1
+readelf=$(command -v llvm-readelf || command -v readelf)
+syms=$("$readelf" --dyn-syms -W "$lib" | awk '$7 != "UND" && NF >= 8 {print $8, $5, $4}')
+fail=0
+expect() { # name binding type
+  local got
+  got=$(awk -v n="$1" '$1 == n {print $2, $3}' <<<"$syms")
+  if [ "$got" != "$2 $3" ]; then
+    echo "FAIL: $1 should be exported $2 $3, found '${got:-nothing}'"
+    fail=1
+  fi
+}
+absent() {
+  if awk -v n="$1" '$1 == n {found=1} END {exit !found}' <<<"$syms"; then
+    echo "FAIL: $1 must not be exported"
+    fail=1
+  fi
+}
+
+weak_entry_points="open mmap munmap puts socket bind connect listen accept sendto recvfrom write
+  read close exit lseek mkdir rmdir opendir readdir closedir remove select sleep time getsockname
+  set_errno_addr send recv gethostbyname rename stat getpid unlink access fstat fsync ftruncate
+  getcwd set_h_errno_addr fcntl chdir fchdir getpeername getsockopt setsockopt gethostbyaddr sha
+  sysconf syslog copy_environ os_current_time_in_ms shm_open shm_unlink posix_spawn truncate
+  times adjtime clock_settime sendmsg recvmsg getnameinfo getaddrinfo ioctl alarm pselect
+  sigprocmask pthread_sigmask pipe shutdown fchmod getuid statvfs fstatvfs chmod clock
+  get_errno_addr get_h_errno_addr"
+for e in $weak_entry_points; do expect "__syscall_$e" WEAK FUNC; done
+expect __syscall_kill GLOBAL FUNC
+expect __syscall_sigaction GLOBAL FUNC
+for f in ___aeabi_errno_addr ___h_errno_addr __read_errno __set_errno __rt_fp_status_addr \
+         __rt_ddtor_pointer_addr __rt_eh_globals_addr __C_library_version_number; do
+  expect "$f" GLOBAL FUNC
+done
+for f in __user_libspace __user_perproc_libspace __user_perthread_libspace; do
+  expect "$f" WEAK FUNC
+done
+expect __libspace_start GLOBAL OBJECT
+expect environ GLOBAL OBJECT
+for f in printf fprintf sprintf malloc free calloc realloc strlen strcmp strcpy memcpy memset \
+         memmove memcmp fopen fclose puts putchar exit __kv_trap debug_log; do
+  absent "$f"
+done
+# Nothing undefined but the optional weak hooks.
+undefined=$("$readelf" --dyn-syms -W "$lib" | awk '$7 == "UND" && $8 != "" && $5 != "WEAK" {print $8}')
+if [ -n "$undefined" ]; then
+  echo "FAIL: libc.so needs strong symbols it does not define: $undefined"
+  fail=1
+fi
+# The library's own calls to the replaceable hooks go through the GOT.
+relocs=$("$readelf" -r -W "$lib")
+for hook in __syscall_syslog __syscall_set_errno_addr __syscall_get_errno_addr ___aeabi_errno_addr \
+            ___h_errno_addr __syscall_copy_environ; do
+  grep -q "R_ARM_JUMP_SLOT.* $hook\$" <<<"$relocs" || { echo "FAIL: $hook is not called through the GOT"; fail=1; }
+done
+needed=$("$readelf" -d "$lib" | grep NEEDED)
+grep -q '\[libdl.so\]' <<<"$needed" || { echo "FAIL: libc.so must need libdl.so"; fail=1; }
+soname=$("$readelf" -d "$lib" | grep SONAME)
+grep -q '\[libc.so\]' <<<"$soname" || { echo "FAIL: soname must be libc.so"; fail=1; }
+[ $fail -eq 0 ] && echo "exports ok"
+exit $fail
