@@ -113,7 +113,7 @@ TEST(EntryPoints, EachIssuesItsNumberAndWordsAndReturnsTheResult) {
   std::string line;
   while (std::getline(out, line))
     results.push_back(static_cast<uint32_t>(std::stoul(line, nullptr, 16)));
-  ASSERT_EQ(results.size(), kCount);
+  ASSERT_EQ(results.size(), kCount + 1);
 
   // The table's calls start at the first request whose first word marks call 0.
   size_t start = 0;
@@ -129,6 +129,19 @@ TEST(EntryPoints, EachIssuesItsNumberAndWordsAndReturnsTheResult) {
       EXPECT_EQ(t.w[i], i < e.words ? word(k, i + 1) : 0u) << "word " << i + 1;
     EXPECT_EQ(t.result, results[k]);
   }
+
+  // sleep(0): the start time, then a select on no descriptors with a zero time-out record.
+  ASSERT_LE(start + kCount + 2, r.traps.size());
+  const Trap &time = r.traps[start + kCount];
+  EXPECT_EQ(time.number, 33);
+  EXPECT_EQ(time.w[0], 0u);
+  const Trap &select = r.traps[start + kCount + 1];
+  EXPECT_EQ(select.number, 32);
+  for (int i : {0, 1, 2, 3, 5, 6})
+    EXPECT_EQ(select.w[i], 0u) << "word " << i + 1;
+  EXPECT_NE(select.w[4], 0u);
+  EXPECT_EQ(select.result, 0u);
+  EXPECT_EQ(results[kCount], 0u);
 }
 
 } // namespace
