@@ -17,20 +17,20 @@ const char *format(char *buffer, size_t size, const char *fmt, ...) {
 } // namespace
 
 TEST(DebugLog, Conversions) {
-  char b[64];
+  char b[10][64]; // one buffer per case: the table is built before it is checked
   struct {
     const char *got, *want;
   } cases[] = {
-      {format(b, sizeof b, "KV: (434) _sys_exit( %d )", -3), "KV: (434) _sys_exit( -3 )"},
-      {format(b, sizeof b, "%d %d %d", 0, 2147483647, -2147483647 - 1), "0 2147483647 -2147483648"},
-      {format(b, sizeof b, "%u %x %X", 4294967295u, 0xbeefu, 0xbeefu), "4294967295 beef BEEF"},
-      {format(b, sizeof b, "%08x|%08x", 0x1234u, 0xdeadbeefu), "00001234|deadbeef"},
-      {format(b, sizeof b, "'%p'", reinterpret_cast<void *>(0x1234)), "'00001234'"},
-      {format(b, sizeof b, "%p", static_cast<void *>(nullptr)), "00000000"},
-      {format(b, sizeof b, "<%s><%s>", "abc", ""), "<abc><>"},
-      {format(b, sizeof b, "%s", static_cast<const char *>(nullptr)), "(null)"},
-      {format(b, sizeof b, "%c%c 100%%", 'o', 'k'), "ok 100%"},
-      {format(b, sizeof b, "%5d|%-d", 42, 1), "   42|%-d"},
+      {format(b[0], sizeof b[0], "KV: (434) _sys_exit( %d )", -3), "KV: (434) _sys_exit( -3 )"},
+      {format(b[1], sizeof b[1], "%d %d %d", 0, 2147483647, -2147483647 - 1), "0 2147483647 -2147483648"},
+      {format(b[2], sizeof b[2], "%u %x %X", 4294967295u, 0xbeefu, 0xbeefu), "4294967295 beef BEEF"},
+      {format(b[3], sizeof b[3], "%08x|%08x", 0x1234u, 0xdeadbeefu), "00001234|deadbeef"},
+      {format(b[4], sizeof b[4], "'%p'", reinterpret_cast<void *>(0x1234)), "'00001234'"},
+      {format(b[5], sizeof b[5], "%p", static_cast<void *>(nullptr)), "00000000"},
+      {format(b[6], sizeof b[6], "<%s><%s>", "abc", ""), "<abc><>"},
+      {format(b[7], sizeof b[7], "%s", static_cast<const char *>(nullptr)), "(null)"},
+      {format(b[8], sizeof b[8], "%c%c 100%%", 'o', 'k'), "ok 100%"},
+      {format(b[9], sizeof b[9], "%5d|%-d", 42, 1), "   42|%-d"},
   };
   for (auto &c : cases)
     EXPECT_STREQ(c.got, c.want);
