@@ -70,14 +70,14 @@ bool parse(const std::string &line, Trap &t) {
   return !in.fail() && eq == "=";
 }
 
-struct Run {
+struct Outcome {
   int status = -1;
   std::string out;
   std::vector<Trap> traps;
 };
 
-Run run_program() {
-  Run r;
+Outcome run_program() {
+  Outcome r;
   char trace_path[] = "/tmp/kv-trace-XXXXXX";
   int fd = mkstemp(trace_path);
   close(fd);
@@ -105,7 +105,7 @@ Run run_program() {
 uint32_t word(size_t k, int i) { return 0xE0000000u | static_cast<uint32_t>(k) << 8 | i; }
 
 TEST(EntryPoints, EachIssuesItsNumberAndWordsAndReturnsTheResult) {
-  Run r = run_program();
+  Outcome r = run_program();
   ASSERT_EQ(r.status, 0) << r.out;
   // The program prints what each call returned, one hex word per line.
   std::vector<uint32_t> results;

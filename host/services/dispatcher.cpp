@@ -1,0 +1,34 @@
+#include "services/dispatcher.h"
+
+#include <kv/abi.h>
+
+#include "services/errno_names.h"
+#include "services/host_output.h"
+#include "services/trace.h"
+
+namespace kvrun {
+
+Outcome dispatch(Process &process, const Request &request) {
+  Outcome outcome;
+  if (auto injected = process.faults.on_call(request.number)) {
+    outcome = failure(*injected);
+    write_all(process.log_fd, "kvrun: injected " + std::string(errno_name(*injected)) + " into " +
+                                  describe_request(process, request) + "\n");
+  } else if (const Service *s = process.services.find(request.number); s && s->handler) {
+    outcome = s->handler(process, request);
+  } else {
+    outcome = failure(KV_ENOSYS);
+  }
+  if (outcome.error) {
+    // Only into a cell the program told us about, and only while it is still writable.
+    auto cell = outcome.h_errno ? process.h_errno_cell : process.errno_cell;
+    if (cell)
+      process.memory.write_u32(*cell, static_cast<uint32_t>(outcome.error));
+  }
+  if (process.trace_fd >= 0)
+    write_all(process.trace_fd,
+              trace_line(request, process.services.name_of(request.number), outcome));
+  return outcome;
+}
+
+} // namespace kvrun

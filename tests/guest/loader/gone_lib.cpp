@@ -1,0 +1,1 @@
+extern "C" int gone() { return 1; }

@@ -1,0 +1,2 @@
+extern "C" const char *who() { return "second"; }
+extern "C" const char *both() { return "second"; }

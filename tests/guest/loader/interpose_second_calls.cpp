@@ -1,0 +1,2 @@
+extern "C" const char *both();
+extern "C" const char *second_calls_both() { return both(); }
