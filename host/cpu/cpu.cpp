@@ -60,7 +60,7 @@ CallResult Cpu::call(uint32_t fn, std::span<const uint32_t> args, uint32_t sp,
   while (true) {
     if (watchdog_ && watchdog_->expired()) {
       watchdog_->acknowledge();
-      return {CallResult::faulted, 0, Fault{Fault::time_limit, 0, static_cast<uint32_t>(start & ~1u), {}}};
+      return {CallResult::faulted, 0, Fault{Fault::time_limit, 0, static_cast<uint32_t>(start & ~1u), 0, {}}};
     }
     memory_fault_ = false;
     uc_err err = uc_emu_start(uc_, start, sentinel_, 0, 0);
@@ -89,7 +89,7 @@ CallResult Cpu::call(uint32_t fn, std::span<const uint32_t> args, uint32_t sp,
     }
     if (err == UC_ERR_OK && watchdog_ && watchdog_->expired()) {
       watchdog_->acknowledge();
-      return {CallResult::faulted, 0, Fault{Fault::time_limit, 0, pc, {}}};
+      return {CallResult::faulted, 0, Fault{Fault::time_limit, 0, pc, 0, {}}};
     }
     return {CallResult::faulted, 0, fault_after(err, pc, thumb)};
   }

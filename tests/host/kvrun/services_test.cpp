@@ -253,8 +253,9 @@ TEST(FaultRules, ParseNumbersNamesAndOccurrences) {
       EXPECT_EQ(rule->error, c.error) << c.text;
       EXPECT_EQ(rule->nth, c.nth) << c.text;
     }
-    if (!c.ok)
+    if (!c.ok) {
       EXPECT_NE(why, "") << c.text;
+    }
   }
 }
 
