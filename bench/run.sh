@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}
 kvrun="$build/host/kvrun"
-bench="$build/guest/bench"
+bench="${KV_BENCH_DIR:-$build/guest/bench}"
 [ -x "$kvrun" ] && [ -f "$bench/bench_trap" ] || { echo "build first: scripts/build.sh" >&2; exit 1; }
 
 calc() { awk "BEGIN { print $1 }"; }
@@ -35,3 +35,39 @@ printf '%-44s %12s\n' "measure" "value"
 printf '%-44s %12.1f\n' "guest instructions per entry-point call" "$per_call"
 printf '%-44s %12.2f\n' "microseconds per trap round trip" "$us_per_trap"
 printf '%-44s %12.1f\n' "kvrun guest instruction rate (million/s)" "$rate"
+
+# Memory, string and division routines: guest instructions per call, this library against the
+# peer (newlib with libgcc) built from the same source with the same inputs. Two loop lengths
+# and a calibration loop around an empty function cancel every cost outside the call.
+peer="$build/bench-peer/bench_runtime_peer"
+mkdir -p "$(dirname "$peer")"
+bench/peer.sh "$peer"
+per_call() { # program op -> instructions per call
+  local n=2560 a1 a2 e1 e2
+  a1=$(count "$1" "$2" $n); a2=$(count "$1" "$2" $((2 * n)))
+  e1=$(count "$1" "empty:$2" $n); e2=$(count "$1" "empty:$2" $((2 * n)))
+  calc "(($a2 - $a1) - ($e2 - $e1)) / $n + 1"
+}
+echo
+printf '%-40s %10s %10s %8s\n' "per call (guest instructions)" "kvlibc" "newlib" "goal"
+while read -r op label goal; do
+  ours=$(per_call "$bench/bench_runtime" "$op")
+  theirs=$(per_call "$peer" "$op")
+  printf '%-40s %10.1f %10.1f %8s\n' "${label//\~/ }" "$ours" "$theirs" "$goal"
+done <<'ROWS'
+memcpy16 memcpy~16~B~aligned <=15
+memcpy256 memcpy~256~B~aligned -
+memcpy4k memcpy~4~KiB~aligned <=400
+memcpy4k_s1d3 memcpy~4~KiB~src+1~dst+3 <=700
+memcpy4k_s1d1 memcpy~4~KiB~src+1~dst+1 <=700
+memmove_up memmove~4~KiB~dst=src+128 <=450
+memmove_down memmove~4~KiB~dst=src-128 <=450
+memset4k memset~4~KiB <=300
+strlen8 strlen~8~chars~(offsets~0..7) -
+strlen100 strlen~100~chars~(offsets~0..7) -
+strlen1000 strlen~1000~chars~(offsets~0..7) <=400
+strcmp100 strcmp~equal~100~chars~aligned <=100
+strcmp100_s1s2 strcmp~equal~100~chars~s1+1~s2+2 -
+uidiv __aeabi_uidiv~(random~bit~lengths) -
+uldivmod __aeabi_uldivmod~(random~bit~lengths) <=100
+ROWS

@@ -1,6 +1,6 @@
 #include "runtime/div0.h"
 
-#include <kv/syscall.h>
+#include "posix/signal_calls.h"
 
 namespace kv {
 
@@ -8,8 +8,6 @@ namespace {
 constexpr int sigfpe = 8;
 }
 
-// Until the signal functions exist this is raise() spelled out; both calls go through the PLT
-// so that an environment's own entry points see the signal.
-void raise_div0() { __syscall_kill(__syscall_getpid(), sigfpe); }
+void raise_div0() { raise(sigfpe); }
 
 } // namespace kv

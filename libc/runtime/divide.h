@@ -1,11 +1,14 @@
-// Integer division kernels behind the EABI division helpers. They are pure (no traps, no
-// library state) so that the same sources also build natively for differential tests. Callers
-// handle a zero divisor before calling them.
+// The library's own 32-bit division: shift-and-subtract with a signed entry and an unsigned
+// second entry into the same body (div32.S). The divisor must not be zero. Quotient and
+// remainder come back in r0 and r1, which is how a 64-bit value travels, low word first.
 #pragma once
 
 #include <stdint.h>
 
 namespace kv::rt {
+
+uint64_t udiv32_pair(uint32_t n, uint32_t d) asm("__kv_udiv32");
+uint64_t sdiv32_pair(int32_t n, int32_t d) asm("__kv_sdiv32");
 
 struct udivmod32_t {
   uint32_t quot;
@@ -15,20 +18,15 @@ struct sdivmod32_t {
   int32_t quot;
   int32_t rem;
 };
-struct udivmod64_t {
-  uint64_t quot;
-  uint64_t rem;
-};
-struct sdivmod64_t {
-  int64_t quot;
-  int64_t rem;
-};
 
-// divisor != 0. Signed forms truncate toward zero; the remainder takes the dividend's sign;
-// the most negative value divided by -1 wraps to itself with remainder 0.
-udivmod32_t udivmod32(uint32_t dividend, uint32_t divisor);
-sdivmod32_t sdivmod32(int32_t dividend, int32_t divisor);
-udivmod64_t udivmod64(uint64_t dividend, uint64_t divisor);
-sdivmod64_t sdivmod64(int64_t dividend, int64_t divisor);
+inline udivmod32_t udivmod32(uint32_t n, uint32_t d) {
+  uint64_t r = udiv32_pair(n, d);
+  return {static_cast<uint32_t>(r), static_cast<uint32_t>(r >> 32)};
+}
+// Truncates toward zero; the remainder takes the dividend's sign; INT_MIN / -1 wraps.
+inline sdivmod32_t sdivmod32(int32_t n, int32_t d) {
+  uint64_t r = sdiv32_pair(n, d);
+  return {static_cast<int32_t>(r), static_cast<int32_t>(r >> 32)};
+}
 
 } // namespace kv::rt

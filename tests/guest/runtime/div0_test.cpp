@@ -70,6 +70,20 @@ TEST(DivideByZero, Signed64) {
   EXPECT_TRUE(signalled_once());
 }
 
+// The core's names share the bodies, and with them the zero-divisor path.
+TEST(DivideByZero, CoreNames) {
+  reset();
+  auto u = call64(_ll_udiv, 0xffffffff00000001ull, 0);
+  EXPECT_EQ(pair(u.r[0], u.r[1]), 0u);
+  EXPECT_EQ(pair(u.r[2], u.r[3]), 0xffffffff00000001ull);
+  EXPECT_TRUE(signalled_once());
+  reset();
+  auto s = call64(_ll_sdiv, static_cast<uint64_t>(-3ll), 0);
+  EXPECT_EQ(pair(s.r[0], s.r[1]), 0u);
+  EXPECT_EQ(static_cast<int64_t>(pair(s.r[2], s.r[3])), -3);
+  EXPECT_TRUE(signalled_once());
+}
+
 TEST(DivideByZero, NonZeroDivisorSendsNothing) {
   reset();
   EXPECT_EQ(__aeabi_uidiv(10, 3), 3u);

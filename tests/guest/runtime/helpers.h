@@ -31,6 +31,36 @@ void __aeabi_memclr(void *, size_t);
 void __aeabi_memclr4(void *, size_t);
 void __aeabi_memclr8(void *, size_t);
 
+// The core's own names for the same families.
+void __rt_memcpy(void *, const void *, size_t);
+void __rt_memcpy_w(void *, const void *, size_t);
+void _memcpy_lastbytes(void *, const void *, size_t);
+void _memcpy_lastbytes_aligned(void *, const void *, size_t);
+void __rt_memmove(void *, const void *, size_t);
+void __rt_memmove_w(void *, const void *, size_t);
+void __memmove_aligned(void *, const void *, size_t);
+// Tails of the backward copy: they take end pointers.
+void __memmove_lastfew(void *dst_end, const void *src_end, size_t);
+void __memmove_lastfew_aligned(void *dst_end, const void *src_end, size_t);
+void __rt_memclr(void *, size_t);
+void __rt_memclr_w(void *, size_t);
+void _memset(void *, size_t, uint32_t pattern);
+void _memset_w(void *, size_t, uint32_t pattern);
+
+void _ll_udiv(void);
+void _ll_udiv_donemoving(void);
+void _ll_sdiv(void);
+void _ll_udiv10(void);
+uint64_t __rt_udiv10(uint32_t); // quotient in r0, remainder in r1
+uint64_t _ll_mul(uint64_t, uint64_t);
+uint64_t _ll_shift_l(uint64_t, int);
+uint64_t _ll_ushift_r(uint64_t, int);
+int64_t _ll_sshift_r(int64_t, int);
+int _ll_ucmp(uint64_t, uint64_t);
+int _ll_scmp(int64_t, int64_t);
+int __aeabi_lcmp(int64_t, int64_t);
+int __aeabi_ulcmp(uint64_t, uint64_t);
+
 uint32_t call_regs(void (*fn)(void), uint32_t out[4], uint32_t a0, uint32_t a1, uint32_t a2,
                    uint32_t a3);
 }

@@ -8,7 +8,7 @@
 namespace {
 
 constexpr size_t guard = 16;
-constexpr size_t large_counts[] = {1000, 4099};
+constexpr size_t large_counts[] = {127, 128, 129, 1000, 4096, 4099};
 constexpr size_t max_count = 4099;
 
 // Source contents by absolute position; not periodic at any small distance, so a byte taken
@@ -54,7 +54,14 @@ const CopyEntry copy_entries[] = {
     {"__aeabi_memcpy", __aeabi_memcpy, 1},   {"__aeabi_memcpy4", __aeabi_memcpy4, 4},
     {"__aeabi_memcpy8", __aeabi_memcpy8, 8}, {"__aeabi_memmove", __aeabi_memmove, 1},
     {"__aeabi_memmove4", __aeabi_memmove4, 4}, {"__aeabi_memmove8", __aeabi_memmove8, 8},
+    {"__rt_memcpy", __rt_memcpy, 1},         {"__rt_memcpy_w", __rt_memcpy_w, 4},
+    {"__rt_memmove", __rt_memmove, 1},       {"__rt_memmove_w", __rt_memmove_w, 4},
+    {"__memmove_aligned", __memmove_aligned, 4},
 };
+bool is_move(CopyFn fn) {
+  return fn == __aeabi_memmove || fn == __aeabi_memmove4 || fn == __aeabi_memmove8 ||
+         fn == __rt_memmove || fn == __rt_memmove_w || fn == __memmove_aligned;
+}
 
 alignas(8) uint8_t src_area[guard + 8 + max_count + guard];
 alignas(8) uint8_t dst_area[guard + 8 + max_count + guard];
@@ -148,12 +155,17 @@ void move_sweep(const CopyEntry &e) {
 TEST(Memory, MoveOverlappingBothWays) {
   failures = 0;
   for (const CopyEntry &e : copy_entries)
-    if (e.fn == __aeabi_memmove || e.fn == __aeabi_memmove4 || e.fn == __aeabi_memmove8)
+    if (is_move(e.fn))
       move_sweep(e);
   EXPECT_EQ(failures, 0);
 }
 
 namespace {
+
+void pattern_fill(void *d, size_t n, int v) { _memset(d, n, static_cast<uint8_t>(v) * 0x01010101u); }
+void pattern_fill_w(void *d, size_t n, int v) {
+  _memset_w(d, n, static_cast<uint8_t>(v) * 0x01010101u);
+}
 
 struct FillEntry {
   const char *name;
@@ -162,6 +174,10 @@ struct FillEntry {
   size_t alignment;
 };
 const FillEntry fill_entries[] = {
+    {"_memset", pattern_fill, nullptr, 1},
+    {"_memset_w", pattern_fill_w, nullptr, 4},
+    {"__rt_memclr", nullptr, __rt_memclr, 1},
+    {"__rt_memclr_w", nullptr, __rt_memclr_w, 4},
     {"__aeabi_memset", __aeabi_memset, nullptr, 1},
     {"__aeabi_memset4", __aeabi_memset4, nullptr, 4},
     {"__aeabi_memset8", __aeabi_memset8, nullptr, 8},
@@ -235,4 +251,57 @@ TEST(Memory, FillArgumentOrder) {
   EXPECT_EQ(buf[2], 0x5a);
   EXPECT_EQ(buf[3], 0);
   EXPECT_EQ(buf[90], 0);
+}
+
+// The overlap cases that catch a forward copy in the wrong place and a move that touches data
+// it should leave alone.
+TEST(Memory, MoveByOneAndOntoItself) {
+  alignas(8) uint8_t buf[112];
+  for (size_t i = 0; i < sizeof buf; ++i)
+    buf[i] = static_cast<uint8_t>(i + 1);
+  __rt_memmove(buf + 1, buf, 100);
+  EXPECT_EQ(buf[0], 1);
+  int wrong = 0;
+  for (size_t i = 1; i <= 100; ++i)
+    wrong += buf[i] != static_cast<uint8_t>(i);
+  EXPECT_EQ(wrong, 0);
+  EXPECT_EQ(buf[101], 102);
+  __rt_memmove(buf, buf, 100);
+  __memmove_aligned(buf, buf, 100);
+  EXPECT_EQ(buf[1], 1);
+  EXPECT_EQ(buf[100], 100);
+}
+
+namespace {
+// count & 3 bytes are copied, whatever the higher bits of the count say.
+struct TailCase {
+  size_t count, copied;
+};
+const TailCase tail_cases[] = {{0, 0}, {1, 1}, {2, 2}, {3, 3}, {4, 0}, {7, 3}, {0x402, 2}};
+} // namespace
+
+TEST(Memory, CopyTails) {
+  for (const TailCase &c : tail_cases)
+    for (int aligned = 0; aligned < 2; ++aligned) {
+      alignas(4) uint8_t src[8] = {11, 12, 13, 14, 15, 16, 17, 18};
+      alignas(4) uint8_t dst[8] = {};
+      (aligned ? _memcpy_lastbytes_aligned : _memcpy_lastbytes)(dst, src, c.count);
+      for (size_t i = 0; i < 8; ++i)
+        EXPECT_EQ(dst[i], i < c.copied ? src[i] : 0);
+      // The backward tails copy the bytes just below the end pointers.
+      alignas(4) uint8_t back[8] = {};
+      (aligned ? __memmove_lastfew_aligned : __memmove_lastfew)(back + 4, src + 4, c.count);
+      for (size_t i = 0; i < 8; ++i)
+        EXPECT_EQ(back[i], i < 4 && i >= 4 - c.copied ? src[i] : 0);
+    }
+}
+
+// The pattern entries store the word as it is, so a non-uniform pattern shows its byte order.
+TEST(Memory, PatternWordLandsAsStored) {
+  alignas(8) uint8_t buf[16] = {};
+  _memset_w(buf, 8, 0x44332211u);
+  EXPECT_EQ(buf[0], 0x11);
+  EXPECT_EQ(buf[3], 0x44);
+  EXPECT_EQ(buf[4], 0x11);
+  EXPECT_EQ(buf[8], 0);
 }
