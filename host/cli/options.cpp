@@ -18,6 +18,7 @@ const option kLongOptions[] = {
     {"time-limit", required_argument, nullptr, 'T'},
     {"memory-limit", required_argument, nullptr, 'm'},
     {"fail", required_argument, nullptr, 'f'},
+    {"max-files", required_argument, nullptr, 'F'},
     {"help", no_argument, nullptr, 'h'},
     {nullptr, 0, nullptr, 0},
 };
@@ -57,7 +58,7 @@ ParsedCommandLine parse_command_line(int argc, char *const argv[]) {
   opterr = 0;
   int c;
   // '+': options end at PROGRAM; what follows belongs to the program.
-  while ((c = getopt_long(argc, argv, "+:L:r:e:l:t:cT:m:f:h", kLongOptions, nullptr)) != -1) {
+  while ((c = getopt_long(argc, argv, "+:L:r:e:l:t:cT:m:f:F:h", kLongOptions, nullptr)) != -1) {
     std::string arg = optarg ? optarg : "";
     switch (c) {
     case 'L': o.library_path.push_back(arg); break;
@@ -74,6 +75,13 @@ ParsedCommandLine parse_command_line(int argc, char *const argv[]) {
       if (!(o.time_limit = parse_seconds(arg)))
         return fail("--time-limit wants a positive number of seconds, not '" + arg + "'");
       break;
+    case 'F': {
+      auto n = parse_size(arg);
+      if (!n || *n < 3 || *n > 65536)
+        return fail("--max-files wants a number from 3 to 65536, not '" + arg + "'");
+      o.max_files = static_cast<uint32_t>(*n);
+      break;
+    }
     case 'm':
       if (!(o.memory_limit = parse_size(arg)))
         return fail("--memory-limit wants a byte count (suffix K, M or G), not '" + arg + "'");

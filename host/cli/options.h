@@ -21,6 +21,7 @@ struct Options {
   bool count = false;
   std::optional<double> time_limit; // seconds
   std::optional<uint64_t> memory_limit;
+  uint32_t max_files = 256; // guest descriptors are numbered below this
   std::vector<FaultRule> faults;
   // Where kvrun's standard input, output and error are (tests run kvrun in-process).
   int stdin_fd = 0, stdout_fd = 1, stderr_fd = 2;

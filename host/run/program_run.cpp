@@ -106,9 +106,11 @@ RunResult run_program(const Options &o) {
                              o.memory_limit.value_or(UINT64_MAX));
     Process process(memory, mappings);
     process.root = o.root;
+    process.descriptors.limit = static_cast<int32_t>(o.max_files);
     process.environment = o.environment;
     process.log_fd = log.fd();
     process.trace_fd = trace.fd();
+    process.options = &o;
     process.descriptors.set(0, {o.stdin_fd, true});
     process.descriptors.set(1, {o.stdout_fd, true});
     process.descriptors.set(2, {o.stderr_fd, true});

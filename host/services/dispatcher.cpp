@@ -25,9 +25,14 @@ Outcome dispatch(Process &process, const Request &request) {
     if (cell)
       process.memory.write_u32(*cell, static_cast<uint32_t>(outcome.error));
   }
-  if (process.trace_fd >= 0)
-    write_all(process.trace_fd,
-              trace_line(request, process.services.name_of(request.number), outcome));
+  if (process.trace_fd >= 0) {
+    // The raw words first (tools parse them), then the call as a reader wants it: paths and
+    // buffer contents decoded.
+    std::string line = trace_line(request, process.services.name_of(request.number), outcome);
+    if (!line.empty())
+      line.insert(line.size() - 1, " " + describe_request(process, request));
+    write_all(process.trace_fd, line);
+  }
   return outcome;
 }
 

@@ -12,9 +12,12 @@
 #include "memory/region_allocator.h"
 #include "services/descriptor_table.h"
 #include "services/fault_injection.h"
+#include "services/file_state.h"
 #include "services/service_table.h"
 
 namespace kvrun {
+
+struct Options;
 
 class Process {
 public:
@@ -26,6 +29,7 @@ public:
   ServiceTable services;
   FaultInjector faults;
   DescriptorTable descriptors;
+  FileState files; // sandbox, directory streams
 
   std::string root = ".";               // drive c: on the host
   std::string cwd = "/";                // inside the root
@@ -38,6 +42,10 @@ public:
   int trace_fd = -1; // one line per request
   // Waits (select's time-out) end by this time; the CPU loop then reports the time limit.
   std::optional<std::chrono::steady_clock::time_point> deadline;
+
+  // posix_spawn runs children with this run's options; kill may signal only those children.
+  const Options *options = nullptr;
+  std::vector<int> children; // host pids
 };
 
 } // namespace kvrun

@@ -94,4 +94,260 @@ struct kv_timeval {
 #endif
 KV_ABI_ASSERT(sizeof(struct kv_timeval) == 8, "timeval is two words");
 
+/* ---- Networking, host lookup, processes ---------------------------------------------------
+ * Socket addresses carry no length byte: a 16-bit family first, then the port in network
+ * order. Families are this system's own (IPv6 is 3); kvrun translates them both ways. */
+#define KV_AF_UNSPEC 0
+#define KV_AF_INET 2
+#define KV_AF_INET6 3
+
+#define KV_SOCK_STREAM 1
+#define KV_SOCK_DGRAM 2
+#define KV_SOCK_RAW 3
+
+#define KV_IPPROTO_IP 0
+#define KV_IPPROTO_TCP 6
+#define KV_IPPROTO_UDP 17
+#define KV_IPPROTO_IPV6 41
+
+/* Option levels and names that map onto the host's. */
+#define KV_SOL_SOCKET 0xFFFF
+#define KV_SO_REUSEADDR 0x0004
+#define KV_SO_KEEPALIVE 0x0008
+#define KV_SO_BROADCAST 0x0020
+#define KV_SO_LINGER 0x0080
+#define KV_SO_SNDBUF 0x1001
+#define KV_SO_RCVBUF 0x1002
+#define KV_SO_SNDTIMEO 0x1005
+#define KV_SO_RCVTIMEO 0x1006
+#define KV_SO_ERROR 0x1007
+#define KV_SO_TYPE 0x1008
+#define KV_TCP_NODELAY 0x01
+#define KV_IPV6_V6ONLY 27
+
+/* send/recv flags */
+#define KV_MSG_OOB 0x1
+#define KV_MSG_PEEK 0x2
+#define KV_MSG_DONTROUTE 0x4
+#define KV_MSG_WAITALL 0x40
+#define KV_MSG_DONTWAIT 0x80
+
+struct kv_sockaddr_generic {
+  uint16_t sa_family;
+  char sa_data[14];
+};
+
+struct kv_in_addr {
+  uint32_t s_addr; /* network order */
+};
+
+struct kv_sockaddr_in {
+  uint16_t sin_family;
+  uint16_t sin_port; /* network order */
+  struct kv_in_addr sin_addr;
+  uint8_t sin_zero[8];
+};
+
+struct kv_in6_addr {
+  uint8_t bytes[16];
+};
+
+struct kv_sockaddr_in6 {
+  uint16_t sin6_family;
+  uint16_t sin6_port; /* network order */
+  uint32_t sin6_flowinfo;
+  struct kv_in6_addr sin6_addr;
+  uint32_t sin6_scope_id;
+};
+
+/* Large enough for every address kvrun writes. */
+struct kv_sockaddr_storage {
+  uint16_t ss_family;
+  uint8_t ss_pad[26];
+};
+
+/* fd_set: descriptor n is bit n % 32 of word n / 32; select reads ceil(nfds / 32) words. */
+#define KV_FD_SETSIZE 64
+struct kv_fd_set {
+  uint32_t fds_bits[KV_FD_SETSIZE / 32];
+};
+
+/* The host entry written at the start of the lookup buffer; the names, alias and address lists
+ * and the addresses follow it inside the same buffer. Pointers are guest addresses. */
+struct kv_hostent {
+  uint32_t h_name;      /* char * */
+  uint32_t h_aliases;   /* char **, null-terminated */
+  int32_t h_addrtype;   /* KV_AF_INET or KV_AF_INET6 */
+  int32_t h_length;     /* 4 or 16 */
+  uint32_t h_addr_list; /* char **, null-terminated */
+};
+
+/* h_errno values */
+#define KV_HOST_NOT_FOUND 1
+#define KV_TRY_AGAIN 2
+#define KV_NO_RECOVERY 3
+#define KV_NO_DATA 4
+
+/* One address-information record; later records, addresses and names follow in its block. */
+struct kv_addrinfo {
+  int32_t ai_flags;
+  int32_t ai_family;
+  int32_t ai_socktype;
+  int32_t ai_protocol;
+  uint32_t ai_addrlen;
+  uint32_t ai_addr;      /* struct kv_sockaddr_generic * */
+  uint32_t ai_canonname; /* char * */
+  uint32_t ai_next;      /* struct kv_addrinfo * */
+};
+
+/* posix_spawn: the file-actions record, its 20-byte actions and the attributes' flags. */
+#define KV_SPAWN_CLOSE 0
+#define KV_SPAWN_DUP2 1
+#define KV_SPAWN_OPEN 2
+struct kv_spawn_action {
+  int32_t kind;
+  int32_t fd;
+  uint32_t arg; /* dup2: new descriptor; open: path pointer */
+  int32_t oflag;
+  int32_t mode;
+};
+struct kv_spawn_file_actions {
+  int32_t count;
+  uint32_t actions; /* struct kv_spawn_action * */
+};
+struct kv_spawnattr {
+  int16_t flags; /* bits 0 to 2 */
+};
+
+/* Signal numbers (1 to 31). */
+#define KV_SIGHUP 1
+#define KV_SIGINT 2
+#define KV_SIGQUIT 3
+#define KV_SIGILL 4
+#define KV_SIGTRAP 5
+#define KV_SIGABRT 6
+#define KV_SIGBUS 7
+#define KV_SIGFPE 8
+#define KV_SIGKILL 9
+#define KV_SIGUSR1 10
+#define KV_SIGSEGV 11
+#define KV_SIGUSR2 12
+#define KV_SIGPIPE 13
+#define KV_SIGALRM 14
+#define KV_SIGTERM 15
+#define KV_SIGCHLD 17
+#define KV_SIGCONT 18
+#define KV_SIGSTOP 19
+#define KV_NSIG 32
+
+/* Length of a SHA-1 digest */
+#define KV_SHA1_DIGEST_LENGTH 20
+
+KV_ABI_ASSERT(sizeof(struct kv_sockaddr_generic) == 16, "sockaddr");
+KV_ABI_ASSERT(sizeof(struct kv_sockaddr_in) == 16, "sockaddr_in");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_sockaddr_in, sin_port) == 2, "sin_port");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_sockaddr_in, sin_addr) == 4, "sin_addr");
+KV_ABI_ASSERT(sizeof(struct kv_sockaddr_in6) == 28, "sockaddr_in6");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_sockaddr_in6, sin6_port) == 2, "sin6_port");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_sockaddr_in6, sin6_flowinfo) == 4, "flowinfo");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_sockaddr_in6, sin6_addr) == 8, "sin6_addr");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_sockaddr_in6, sin6_scope_id) == 24, "scope_id");
+KV_ABI_ASSERT(sizeof(struct kv_sockaddr_storage) == 28, "sockaddr_storage");
+KV_ABI_ASSERT(sizeof(struct kv_fd_set) == 8, "fd_set");
+KV_ABI_ASSERT(sizeof(struct kv_hostent) == 20, "hostent");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_hostent, h_aliases) == 4, "h_aliases");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_hostent, h_addrtype) == 8, "h_addrtype");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_hostent, h_length) == 12, "h_length");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_hostent, h_addr_list) == 16, "h_addr_list");
+KV_ABI_ASSERT(sizeof(struct kv_addrinfo) == 32, "addrinfo");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_addrinfo, ai_addrlen) == 16, "ai_addrlen");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_addrinfo, ai_addr) == 20, "ai_addr");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_addrinfo, ai_canonname) == 24, "ai_canonname");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_addrinfo, ai_next) == 28, "ai_next");
+KV_ABI_ASSERT(sizeof(struct kv_spawn_action) == 20, "spawn action");
+KV_ABI_ASSERT(sizeof(struct kv_spawn_file_actions) == 8, "file actions");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_spawn_file_actions, actions) == 4, "actions");
+KV_ABI_ASSERT(sizeof(struct kv_spawnattr) == 2, "spawn attributes");
+
+/* ---- Files, directories and the sandbox ----------------------------------------------------
+ * Paths are drive-letter paths: the sandbox root is drive c: ("c:\dir\f", "C:/dir/f"); "/dir/f"
+ * and relative paths name the same files. getcwd answers in the drive form, "c:\dir". */
+
+/* File types and permissions in st_mode (octal, as everywhere). */
+#define KV_S_IFMT 0170000
+#define KV_S_IFSOCK 0140000
+#define KV_S_IFLNK 0120000
+#define KV_S_IFREG 0100000
+#define KV_S_IFBLK 0060000
+#define KV_S_IFDIR 0040000
+#define KV_S_IFCHR 0020000
+#define KV_S_IFIFO 0010000
+#define KV_S_PERM_MASK 07777
+
+/* access() modes */
+#define KV_F_OK 0
+#define KV_X_OK 1
+#define KV_W_OK 2
+#define KV_R_OK 4
+
+/* fcntl commands of the system side: 0 duplicates onto the lowest free descriptor, 8 onto the
+ * one given as the argument. */
+#define KV_F_DUPFD 0
+#define KV_F_DUP2FD 8
+
+/* The record stat and fstat fill. Times are whole seconds since the epoch; sizes that do not fit
+ * in 32 bits make the call fail with EOVERFLOW rather than lie. */
+struct kv_stat {
+  uint32_t st_dev;
+  uint32_t st_ino;
+  uint32_t st_mode;
+  uint32_t st_nlink;
+  uint32_t st_uid;
+  uint32_t st_gid;
+  uint32_t st_rdev;
+  int32_t st_size;
+  int32_t st_atime_sec; /* the host spells st_atime as a macro */
+  int32_t st_mtime_sec;
+  int32_t st_ctime_sec;
+  int32_t st_blksize;
+  int32_t st_blocks; /* 512-byte units */
+  uint32_t st_reserved[3];
+};
+KV_ABI_ASSERT(sizeof(struct kv_stat) == 64, "stat is 64 bytes");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_stat, st_mode) == 8, "stat.st_mode");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_stat, st_nlink) == 12, "stat.st_nlink");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_stat, st_rdev) == 24, "stat.st_rdev");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_stat, st_size) == 28, "stat.st_size");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_stat, st_atime_sec) == 32, "stat.st_atime_sec");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_stat, st_mtime_sec) == 36, "stat.st_mtime_sec");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_stat, st_ctime_sec) == 40, "stat.st_ctime_sec");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_stat, st_blksize) == 44, "stat.st_blksize");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_stat, st_blocks) == 48, "stat.st_blocks");
+
+/* Directory entry types */
+#define KV_DT_UNKNOWN 0
+#define KV_DT_FIFO 1
+#define KV_DT_CHR 2
+#define KV_DT_DIR 4
+#define KV_DT_BLK 6
+#define KV_DT_REG 8
+#define KV_DT_LNK 10
+#define KV_DT_SOCK 12
+
+/* The 256-byte directory entry readdir fills. d_name is NUL-terminated; entries whose names do
+ * not fit (more than 247 bytes) are skipped. */
+#define KV_DIRENT_NAME_MAX 247
+struct kv_dirent {
+  uint32_t d_ino;
+  uint16_t d_reclen; /* always 256 */
+  uint8_t d_type;
+  uint8_t d_namlen; /* strlen(d_name) */
+  char d_name[KV_DIRENT_NAME_MAX + 1];
+};
+KV_ABI_ASSERT(sizeof(struct kv_dirent) == 256, "directory entry is 256 bytes");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_dirent, d_reclen) == 4, "dirent.d_reclen");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_dirent, d_type) == 6, "dirent.d_type");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_dirent, d_namlen) == 7, "dirent.d_namlen");
+KV_ABI_ASSERT(__builtin_offsetof(struct kv_dirent, d_name) == 8, "dirent.d_name");
+
 #endif
