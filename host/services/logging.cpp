@@ -2,6 +2,7 @@
 #include <kv/abi.h>
 
 #include <string>
+#include <string_view>
 
 #include "services/handlers.h"
 #include "services/host_output.h"
@@ -17,14 +18,29 @@ void log_line(Process &p, std::string text) {
   write_all(p.log_fd, text);
 }
 
+// Each line of a syslog message carries its priority as "<P>", as syslog sinks expect, so that
+// a message with line breaks stays attributable line by line.
+std::string with_priority(int32_t priority, std::string_view text) {
+  std::string tag = "<" + std::to_string(priority) + ">", out;
+  size_t start = 0;
+  while (start < text.size()) {
+    size_t end = text.find('\n', start);
+    end = end == std::string_view::npos ? text.size() : end + 1;
+    out += tag;
+    out += text.substr(start, end - start);
+    start = end;
+  }
+  return out.empty() ? tag : out;
+}
+
 } // namespace
 
-// syslog(priority, text): the text as is; longer messages are cut at 64 KiB.
+// syslog(priority, text): the text as is after its priority; longer messages are cut at 64 KiB.
 Outcome syslog(Process &p, const Request &r) {
   std::string text;
   if (p.memory.read_string(r.w[1], kLongestMessage, text) == StringStatus::fault)
     return failure(KV_EFAULT);
-  log_line(p, std::move(text));
+  log_line(p, with_priority(static_cast<int32_t>(r.w[0]), text));
   return success(0);
 }
 

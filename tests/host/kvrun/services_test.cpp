@@ -347,11 +347,16 @@ TEST_F(ServicesTest, SyslogAndPutsGoToTheLogOneLineEach) {
   put(kData, "KV: (248) with newline\n");
   put(kData + 0x100, "no newline");
   put(kData + 0x200, "0123456789");
+  put(kData + 0x300, "two\nlines");
+  put(kData + 0x400, "");
   EXPECT_EQ(call(KV_SYS_syslog, 31, kData).value, 0u);
   EXPECT_EQ(call(KV_SYS_syslog, 3, kData + 0x100).value, 0u);
   EXPECT_EQ(call(KV_SYS_puts, kData + 0x200, 4).value, 0u);
   EXPECT_EQ(call(KV_SYS_puts, kData + 0x200, 0).value, 0u);
-  EXPECT_EQ(file_text(log), "KV: (248) with newline\nno newline\n0123\n0123456789\n");
+  EXPECT_EQ(call(KV_SYS_syslog, static_cast<uint32_t>(-1), kData + 0x300).value, 0u);
+  EXPECT_EQ(call(KV_SYS_syslog, 6, kData + 0x400).value, 0u);
+  EXPECT_EQ(file_text(log), "<31>KV: (248) with newline\n<3>no newline\n0123\n0123456789\n"
+                            "<-1>two\n<-1>lines\n<6>\n");
 }
 
 TEST_F(ServicesTest, ExitRecordsTheStatus) {
