@@ -1,6 +1,6 @@
 @ size_t strlen(const char *s) -- library-internal.
-@ UADD8 with 0xffffffff sets a GE bit for every non-zero byte; SEL then gathers "some byte was
-@ zero" over a block. The bulk reads 32-byte blocks at 32-byte alignment, which never cross a
+@ UADD8 with 0xffffffff sets a GE bit for every non-zero byte; SEL turns that into "some byte
+@ was zero". The bulk reads 32-byte blocks at 32-byte alignment, which never cross a
 @ page and always hold a byte of the string, so reading past the terminator is harmless.
 	.syntax unified
 	.thumb
@@ -56,33 +56,36 @@ strlen:
 	cmp	r2, #0
 	beq	3f
 	subs	r0, r0, #16
-	b	4f
-3:	ldmia	r0!, {r2-r8, lr}
+	b	5f
+3:	@ AND of the block's words has a zero byte wherever a word has one (and sometimes where
+	@ none has): a cheap test that never misses, confirmed word by word below.
+	ldmia	r0!, {r2-r8, lr}
+	and	r2, r2, r3
+	and	r4, r4, r5
+	and	r6, r6, r7
+	and	r8, r8, lr
+	and	r2, r2, r4
+	and	r6, r6, r8
+	and	r2, r2, r6
 	uadd8	r2, r2, r12
 	sel	r2, r9, r12
-	uadd8	r3, r3, r12
-	sel	r2, r2, r12
-	uadd8	r4, r4, r12
-	sel	r2, r2, r12
-	uadd8	r5, r5, r12
-	sel	r2, r2, r12
-	uadd8	r6, r6, r12
-	sel	r2, r2, r12
-	uadd8	r7, r7, r12
-	sel	r2, r2, r12
-	uadd8	r8, r8, r12
-	sel	r2, r2, r12
-	uadd8	lr, lr, r12
-	sel	r2, r2, r12
 	cmp	r2, #0
 	beq	3b
-	@ The terminator is in the block just read: find its word.
 	subs	r0, r0, #32
+	add	r3, r0, #32
 4:	ldr	r2, [r0], #4
 	uadd8	r2, r2, r12
 	sel	r2, r9, r12
 	cmp	r2, #0
-	beq	4b
+	bne	.Lfound
+	cmp	r0, r3
+	bne	4b
+	b	3b		@ no zero after all: bytes of different words cancelled
+5:	ldr	r2, [r0], #4
+	uadd8	r2, r2, r12
+	sel	r2, r9, r12
+	cmp	r2, #0
+	beq	5b
 	b	.Lfound
 	.size strlen, . - strlen
 

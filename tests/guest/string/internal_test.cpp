@@ -64,6 +64,28 @@ TEST(String, StrlenEveryOffsetAndLength) {
   EXPECT_EQ(failures, 0);
 }
 
+// Long strings whose words AND to zero bytes (0x01 next to 0x02, 'A' next to ' ') and ones whose
+// words never do, with the terminator in every position of a 32-byte block.
+TEST(String, StrlenLongStringsOfEveryBytePattern) {
+  alignas(64) static char text[1200];
+  const struct {
+    const char *what;
+    char even, odd;
+  } patterns[] = {{"letters", 'a', 'q'}, {"0x01 0x02", 1, 2}, {"caps and spaces", 'A', ' '},
+                  {"high bytes", static_cast<char>(0x80), static_cast<char>(0x7f)}};
+  failures = 0;
+  for (auto &p : patterns)
+    for (size_t off = 0; off < 8; ++off)
+      for (size_t len = 960; len < 1000; ++len) {
+        for (size_t i = 0; i < len; ++i)
+          text[off + i] = (i / 4) & 1 ? p.odd : p.even;
+        text[off + len] = 0;
+        if (strlen(text + off) != len)
+          report(p.what, off, len);
+      }
+  EXPECT_EQ(failures, 0);
+}
+
 TEST(String, CompareEveryOffsetPair) {
   failures = 0;
   for (size_t oa = 0; oa < 8; ++oa)
