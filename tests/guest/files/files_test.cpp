@@ -450,3 +450,96 @@ TEST(Descriptors, LimitGivesEmfileAndClosingFrees) {
   __syscall_close(again);
   EXPECT_EQ(__syscall_unlink("/many"), 0);
 }
+
+TEST(Mmap, FileMappingsPrivateAndShared) {
+  int fd = __syscall_open("/map.bin", KV_O_RDWR | KV_O_CREAT | KV_O_TRUNC, 0644);
+  ASSERT_TRUE(fd >= 3);
+  static char page[4096];
+  for (auto &c : page)
+    c = 'a';
+  ASSERT_EQ(__syscall_write(fd, page, sizeof page), 4096);
+  ASSERT_EQ(__syscall_write(fd, "hello", 5), 5);
+  void *const failed = reinterpret_cast<void *>(KV_MAP_FAILED);
+  constexpr int kRW = KV_PROT_READ | KV_PROT_WRITE;
+
+  // Private: a copy from the offset, zeros after the end of the file, stores kept private.
+  auto *p = static_cast<volatile char *>(__syscall_mmap(nullptr, 8192, kRW, KV_MAP_PRIVATE, fd, 0));
+  ASSERT_TRUE(p != failed);
+  EXPECT_EQ(p[0], 'a');
+  EXPECT_EQ(p[4095], 'a');
+  EXPECT_EQ(p[4096], 'h');
+  EXPECT_EQ(p[4100], 'o');
+  EXPECT_EQ(p[4101], 0);
+  EXPECT_EQ(p[8191], 0);
+  p[0] = 'Z';
+  char b[8] = {};
+  EXPECT_EQ(__syscall_lseek(fd, 0, KV_SEEK_SET), 0L);
+  EXPECT_EQ(__syscall_read(fd, b, 1), 1);
+  EXPECT_EQ(b[0], 'a');
+  EXPECT_EQ(__syscall_munmap(const_cast<char *>(p), 8192), 0);
+
+  // Shared from the second page: stores are in the file, file writes in the mapping.
+  auto *s = static_cast<volatile char *>(__syscall_mmap(nullptr, 8192, kRW, KV_MAP_SHARED, fd, 4096));
+  ASSERT_TRUE(s != failed);
+  EXPECT_EQ(s[0], 'h');
+  EXPECT_EQ(s[5], 0);
+  s[1] = 'E';
+  EXPECT_EQ(__syscall_lseek(fd, 4097, KV_SEEK_SET), 4097L);
+  EXPECT_EQ(__syscall_read(fd, b, 1), 1);
+  EXPECT_EQ(b[0], 'E');
+  EXPECT_EQ(__syscall_write(fd, "L", 1), 1);
+  EXPECT_EQ(s[2], 'L');
+  // A page wholly past the end of the file reads as zeros; the file does not grow.
+  EXPECT_EQ(s[4096], 0);
+  s[4096] = 'x';
+  EXPECT_EQ(stat_of("/map.bin").st_size, 4101);
+  EXPECT_EQ(__syscall_munmap(const_cast<char *>(s), 8192), 0);
+  EXPECT_EQ(__syscall_lseek(fd, 4096, KV_SEEK_SET), 4096L);
+  EXPECT_EQ(__syscall_read(fd, b, 5), 5);
+  EXPECT_TRUE(same_bytes(b, "hELlo", 5));
+
+  // What cannot be mapped.
+  int ro = __syscall_open("/map.bin", KV_O_RDONLY, 0);
+  int dir = __syscall_open("/", KV_O_RDONLY, 0);
+  ASSERT_TRUE(ro >= 3 && dir >= 3);
+  const struct {
+    int prot, flags, fd;
+    long offset;
+    int error;
+  } refused[] = {
+      {KV_PROT_READ, KV_MAP_PRIVATE, fd, 100, KV_EINVAL},
+      {KV_PROT_READ, KV_MAP_SHARED, 1, 0, KV_ENODEV},
+      {KV_PROT_READ, KV_MAP_PRIVATE, dir, 0, KV_ENODEV},
+      {kRW, KV_MAP_SHARED, ro, 0, KV_EACCES},
+  };
+  for (auto &c : refused) {
+    __set_errno(0);
+    EXPECT_EQ(__syscall_mmap(nullptr, 4096, c.prot, c.flags, c.fd, c.offset), failed);
+    EXPECT_EQ(__read_errno(), c.error);
+  }
+  __syscall_close(ro);
+  __syscall_close(dir);
+  __syscall_close(fd);
+  EXPECT_EQ(__syscall_unlink("/map.bin"), 0);
+}
+
+TEST(Mmap, SharedMemoryObjectsSharePages) {
+  int a = __syscall_shm_open("/files_test", KV_O_RDWR | KV_O_CREAT | KV_O_EXCL, 0600);
+  ASSERT_TRUE(a >= 3);
+  int b = __syscall_shm_open("/files_test", KV_O_RDWR, 0);
+  ASSERT_TRUE(b >= 3);
+  EXPECT_EQ(__syscall_ftruncate(a, 4096), 0);
+  constexpr int kRW = KV_PROT_READ | KV_PROT_WRITE;
+  auto *x = static_cast<volatile char *>(__syscall_mmap(nullptr, 4096, kRW, KV_MAP_SHARED, a, 0));
+  auto *y = static_cast<volatile char *>(__syscall_mmap(nullptr, 4096, kRW, KV_MAP_SHARED, b, 0));
+  ASSERT_TRUE(x != reinterpret_cast<void *>(KV_MAP_FAILED));
+  ASSERT_TRUE(y != reinterpret_cast<void *>(KV_MAP_FAILED));
+  EXPECT_NE(x, y);
+  x[10] = 42;
+  EXPECT_EQ(y[10], 42);
+  __syscall_munmap(const_cast<char *>(x), 4096);
+  __syscall_munmap(const_cast<char *>(y), 4096);
+  __syscall_close(a);
+  __syscall_close(b);
+  EXPECT_EQ(__syscall_shm_unlink("/files_test"), 0);
+}
