@@ -240,6 +240,7 @@ TEST(Files, OpenFlagsAppendExclusiveTruncate) {
   EXPECT_EQ(stat_of("/flags.new").st_mode & 0777, 0600u);
 
   ASSERT_EQ(__syscall_mkdir("/flags.d", 0755), 0);
+  ASSERT_EQ(make_file("/flags", "kept"), 0);
   const struct {
     const char *path;
     int flags;
@@ -249,6 +250,7 @@ TEST(Files, OpenFlagsAppendExclusiveTruncate) {
       {"/flags.d", KV_O_RDWR | KV_O_CREAT | KV_O_EXCL, KV_EEXIST},
       {"/flags", 0, KV_EINVAL},
       {"/flags", KV_O_CREAT | KV_O_TRUNC, KV_EINVAL},
+      {"/fresh", KV_O_CREAT, KV_EINVAL},
       {"/flags", KV_O_RDONLY | 0x10000, KV_EINVAL},
       {"/absent", KV_O_RDONLY, KV_ENOENT},
       {"/absent/f", KV_O_WRONLY | KV_O_CREAT, KV_ENOENT},
@@ -257,8 +259,11 @@ TEST(Files, OpenFlagsAppendExclusiveTruncate) {
   };
   for (auto &c : refused)
     EXPECT_FAILS(__syscall_open(c.path, c.flags, 0644), c.error);
+  // Refused opens create and truncate nothing.
   kv_stat st;
   EXPECT_FAILS(__syscall_stat("/absent", &st), KV_ENOENT);
+  EXPECT_FAILS(__syscall_stat("/fresh", &st), KV_ENOENT);
+  EXPECT_EQ(stat_of("/flags").st_size, 4);
 
   // A read-only descriptor cannot write, a write-only one cannot read.
   int ro = __syscall_open("/flags.new", KV_O_RDONLY, 0);
@@ -277,6 +282,11 @@ TEST(Files, OpenFlagsAppendExclusiveTruncate) {
 TEST(Directories, MakeListAndRemove) {
   ASSERT_EQ(__syscall_mkdir("/list", 0755), 0);
   EXPECT_FAILS(__syscall_mkdir("/list", 0755), KV_EEXIST);
+  // The root exists and cannot go.
+  EXPECT_FAILS(__syscall_mkdir("/", 0755), KV_EEXIST);
+  EXPECT_FAILS(__syscall_mkdir("c:\\..", 0755), KV_EEXIST);
+  EXPECT_FAILS(__syscall_rmdir("/"), KV_EBUSY);
+  EXPECT_FAILS(__syscall_mkdir("/none/list", 0755), KV_ENOENT);
   ASSERT_EQ(make_file("/list/a", "1"), 0);
   ASSERT_EQ(make_file("/list/bb", "22"), 0);
   ASSERT_EQ(__syscall_mkdir("/list/sub", 0755), 0);
@@ -449,6 +459,21 @@ TEST(Descriptors, LimitGivesEmfileAndClosingFrees) {
   EXPECT_EQ(again, 3);
   __syscall_close(again);
   EXPECT_EQ(__syscall_unlink("/many"), 0);
+
+  // Directory streams have the same limit.
+  int handles[16];
+  for (int i = 0; i < 16; ++i) {
+    handles[i] = __syscall_opendir("/");
+    EXPECT_NE(handles[i], 0);
+  }
+  __set_errno(0);
+  EXPECT_EQ(__syscall_opendir("/"), 0);
+  EXPECT_EQ(__read_errno(), KV_EMFILE);
+  EXPECT_EQ(__syscall_closedir(handles[7]), 0);
+  handles[7] = __syscall_opendir("/");
+  EXPECT_NE(handles[7], 0);
+  for (int i = 0; i < 16; ++i)
+    EXPECT_EQ(__syscall_closedir(handles[i]), 0);
 }
 
 TEST(Mmap, FileMappingsPrivateAndShared) {
