@@ -2,6 +2,7 @@
 
 #include <unicorn/unicorn.h>
 
+#include "memory/file_pages.h"
 #include "memory/layout.h"
 #include "memory/protection.h"
 
@@ -46,12 +47,29 @@ bool AddressSpace::accessible(uint32_t addr, uint64_t size, unsigned prot) const
   return false;
 }
 
+AddressSpace::~AddressSpace() {
+  for (auto &[start, region] : regions_)
+    if (region.host) {
+      uc_mem_unmap(uc_, start, region.end - start);
+      file_pages::unmap(region.host, region.end - start);
+    }
+}
+
 bool AddressSpace::map(uint32_t addr, uint64_t size, unsigned prot) {
   if (size == 0 || !page_aligned(addr, size) || addr + size > kTop || !is_free(addr, size))
     return false;
   if (uc_mem_map(uc_, addr, size, prot) != UC_ERR_OK)
     return false;
   regions_[addr] = Region{addr + size, prot};
+  return true;
+}
+
+bool AddressSpace::map_file_pages(uint32_t addr, uint64_t size, unsigned prot, void *host) {
+  if (size == 0 || !page_aligned(addr, size) || addr + size > kTop || !is_free(addr, size))
+    return false;
+  if (uc_mem_map_ptr(uc_, addr, size, prot, host) != UC_ERR_OK)
+    return false;
+  regions_[addr] = Region{addr + size, prot, static_cast<uint8_t *>(host)};
   return true;
 }
 
@@ -65,6 +83,8 @@ void AddressSpace::split_at(uint64_t addr) {
   if (it->first == addr || it->second.end <= addr)
     return;
   Region tail = it->second;
+  if (tail.host)
+    tail.host += addr - it->first;
   it->second.end = addr;
   regions_[static_cast<uint32_t>(addr)] = tail;
 }
@@ -77,6 +97,8 @@ void AddressSpace::unmap(uint32_t addr, uint64_t size) {
   split_at(end);
   for (auto it = regions_.lower_bound(addr); it != regions_.end() && it->first < end;) {
     uc_mem_unmap(uc_, it->first, it->second.end - it->first);
+    if (it->second.host)
+      file_pages::unmap(it->second.host, it->second.end - it->first);
     it = regions_.erase(it);
   }
 }

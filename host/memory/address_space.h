@@ -13,6 +13,7 @@ namespace kvrun {
 struct Region {
   uint64_t end; // exclusive; 64-bit so that a region may end at 4 GiB
   unsigned prot;
+  uint8_t *host = nullptr; // file pages behind the region (map_file_pages), else Unicorn's own
 };
 
 enum class StringStatus { ok, fault, too_long };
@@ -20,11 +21,15 @@ enum class StringStatus { ok, fault, too_long };
 class AddressSpace {
 public:
   explicit AddressSpace(uc_struct *uc) : uc_(uc) {}
+  ~AddressSpace(); // gives back file pages; the engine must still be open
   AddressSpace(const AddressSpace &) = delete;
   AddressSpace &operator=(const AddressSpace &) = delete;
 
   // Maps [addr, addr + size), zero-filled. Page-aligned; fails if any page is already mapped.
   bool map(uint32_t addr, uint64_t size, unsigned prot);
+  // Maps the range onto `size` bytes from file_pages::map, which the address space then owns:
+  // unmapping any part of the range gives those pages back. On failure the caller keeps them.
+  bool map_file_pages(uint32_t addr, uint64_t size, unsigned prot, void *host);
   // Unmaps whatever is mapped in the range; gaps are fine.
   void unmap(uint32_t addr, uint64_t size);
   // Changes the protection of a fully mapped range.

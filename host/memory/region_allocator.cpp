@@ -49,7 +49,11 @@ void RegionAllocator::forget(uint64_t from, uint64_t to) {
   memory_.unmap(static_cast<uint32_t>(from), to - from);
 }
 
-RegionAllocator::Result RegionAllocator::allocate(uint32_t length, unsigned prot) {
+bool RegionAllocator::map(uint32_t addr, uint64_t size, unsigned prot, void *host) {
+  return host ? memory_.map_file_pages(addr, size, prot, host) : memory_.map(addr, size, prot);
+}
+
+RegionAllocator::Result RegionAllocator::allocate(uint32_t length, unsigned prot, void *host) {
   if (length == 0)
     return {KV_MAP_FAILED, KV_EINVAL};
   uint64_t size = layout::page_up(length);
@@ -61,7 +65,7 @@ RegionAllocator::Result RegionAllocator::allocate(uint32_t length, unsigned prot
       break;
     candidate = std::max(candidate, end);
   }
-  if (candidate + size > hi_ || !memory_.map(static_cast<uint32_t>(candidate), size, prot))
+  if (candidate + size > hi_ || !map(static_cast<uint32_t>(candidate), size, prot, host))
     return {KV_MAP_FAILED, KV_ENOMEM};
   used_[static_cast<uint32_t>(candidate)] = candidate + size;
   in_use_ += size;
@@ -69,7 +73,7 @@ RegionAllocator::Result RegionAllocator::allocate(uint32_t length, unsigned prot
 }
 
 RegionAllocator::Result RegionAllocator::allocate_at(uint32_t addr, uint32_t length,
-                                                     unsigned prot) {
+                                                     unsigned prot, void *host) {
   if (length == 0 || addr % layout::kPageSize)
     return {KV_MAP_FAILED, KV_EINVAL};
   uint64_t size = layout::page_up(length);
@@ -78,7 +82,7 @@ RegionAllocator::Result RegionAllocator::allocate_at(uint32_t addr, uint32_t len
   if (in_use_ - mapped_in(addr, addr + size) + size > limit_)
     return {KV_MAP_FAILED, KV_ENOMEM};
   forget(addr, addr + size);
-  if (!memory_.map(addr, size, prot))
+  if (!map(addr, size, prot, host))
     return {KV_MAP_FAILED, KV_ENOMEM};
   used_[addr] = addr + size;
   in_use_ += size;

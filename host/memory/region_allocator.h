@@ -1,5 +1,5 @@
-// Places anonymous mappings in a fixed window of the address space, page by page, under an
-// optional cap on the bytes mapped at once.
+// Places mappings in a fixed window of the address space, page by page, under an optional cap
+// on the bytes mapped at once. A mapping is zero-filled, or backed by file pages.
 #pragma once
 
 #include <cstdint>
@@ -19,10 +19,11 @@ public:
   RegionAllocator(AddressSpace &memory, uint32_t lo, uint32_t hi, uint64_t limit)
       : memory_(memory), lo_(lo), hi_(hi), limit_(limit) {}
 
-  // A new zero-filled mapping of `length` bytes rounded up to pages, lowest fit first.
-  Result allocate(uint32_t length, unsigned prot);
+  // A new mapping of `length` bytes rounded up to pages, lowest fit first: zero-filled, or onto
+  // `host` (as many bytes from file_pages::map, owned by the address space once this succeeds).
+  Result allocate(uint32_t length, unsigned prot, void *host = nullptr);
   // A mapping at exactly `addr`, replacing whatever this allocator had mapped there.
-  Result allocate_at(uint32_t addr, uint32_t length, unsigned prot);
+  Result allocate_at(uint32_t addr, uint32_t length, unsigned prot, void *host = nullptr);
   // Unmaps every page in the range; pages not mapped are skipped. Heads, tails and middles of
   // mappings may be released. 0 or EINVAL.
   int release(uint32_t addr, uint32_t length);
@@ -33,6 +34,7 @@ public:
 private:
   uint64_t mapped_in(uint64_t from, uint64_t to) const;
   void forget(uint64_t from, uint64_t to);
+  bool map(uint32_t addr, uint64_t size, unsigned prot, void *host);
 
   AddressSpace &memory_;
   uint32_t lo_, hi_;

@@ -112,8 +112,9 @@ Outcome ftruncate(Process &p, const Request &r) {
   return success(0);
 }
 
-// fcntl(fd, command, argument): 0 duplicates onto the lowest free descriptor, 8 onto the one
-// given (closing what was there). The copy shares the file position, as dup does.
+// fcntl(fd, command, argument): 0 duplicates onto the lowest free descriptor at or above the
+// argument, 8 onto the one given (closing what was there). The copy shares the file position,
+// as dup does.
 Outcome fcntl(Process &p, const Request &r) {
   int32_t fd = static_cast<int32_t>(r.w[0]);
   int32_t target = static_cast<int32_t>(r.w[2]);
@@ -127,6 +128,8 @@ Outcome fcntl(Process &p, const Request &r) {
       return failure(KV_EBADF);
     if (target == fd)
       return success(static_cast<uint32_t>(fd));
+  } else if (target < 0 || target >= p.descriptors.limit) {
+    return failure(KV_EINVAL);
   }
   Descriptor copy = *d;
   copy.host_fd = ::fcntl(d->host_fd, F_DUPFD_CLOEXEC, 3);
@@ -139,7 +142,7 @@ Outcome fcntl(Process &p, const Request &r) {
     return success(static_cast<uint32_t>(target));
   }
   int host = copy.host_fd;
-  int32_t added = p.descriptors.add(std::move(copy));
+  int32_t added = p.descriptors.add(std::move(copy), target);
   if (added < 0) {
     ::close(host);
     return failure(KV_EMFILE);

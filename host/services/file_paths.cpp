@@ -126,8 +126,12 @@ Outcome truncate(Process &p, const Request &r) {
   return success(0);
 }
 
+// mkdir(path, mode). The root has no parent to make it in, but it does exist.
 Outcome mkdir(Process &p, const Request &r) {
   mode_t mode = r.w[1] & KV_S_PERM_MASK;
+  Target t = target(p, r.w[0]);
+  if (!t.error && t.path.parts.empty())
+    return failure(KV_EEXIST);
   return on_name(p, r.w[0], [&](int dir, const char *name) { return ::mkdirat(dir, name, mode); });
 }
 
