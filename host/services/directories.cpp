@@ -1,6 +1,7 @@
 // Directory streams: opendir, readdir, closedir. Handles are small numbers of kvrun's own,
 // never 0, each backed by a host directory stream.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -69,6 +70,10 @@ Outcome readdir(Process &p, const Request &r) {
       continue; // cannot be named in the guest's entry
     kv_dirent out{};
     out.d_ino = static_cast<uint32_t>(e->d_ino);
+    // The root's parent is the root itself: nothing of the host above it shows.
+    if (strcmp(e->d_name, "..") == 0 && p.files.sandbox.is_root(dirfd(it->second)))
+      if (struct stat st; ::fstat(dirfd(it->second), &st) == 0)
+        out.d_ino = static_cast<uint32_t>(st.st_ino);
     out.d_reclen = sizeof out;
     out.d_type = guest_type(e->d_type);
     out.d_namlen = static_cast<uint8_t>(length);

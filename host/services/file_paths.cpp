@@ -34,6 +34,13 @@ Target target(Process &p, uint32_t addr) {
   t.error = t.path.error;
   if (!t.error && !(t.sandbox = files::sandbox(p)))
     t.error = from_host_errno(errno);
+  // "f/" names a directory: a file there is not one.
+  if (!t.error && t.path.directory && !t.path.parts.empty()) {
+    HostFd f{t.sandbox->open(t.path.parts, O_PATH)};
+    struct stat st;
+    if (f.fd >= 0 && ::fstat(f.fd, &st) == 0 && !S_ISDIR(st.st_mode))
+      t.error = KV_ENOTDIR;
+  }
   return t;
 }
 
@@ -61,6 +68,8 @@ Outcome open(Process &p, const Request &r) {
   Target t = target(p, r.w[0]);
   if (t.error)
     return failure(t.error);
+  if (t.path.directory && (flags & O_CREAT))
+    return failure(KV_EISDIR); // a file cannot be created under a directory's name
   mode_t mode = r.w[2] & KV_S_PERM_MASK;
   if (mode == 0)
     mode = 0666;

@@ -78,6 +78,7 @@ GuestPath parse_guest_path(std::string_view path, const std::vector<std::string>
     while (j < path.size() && !is_separator(path[j]))
       ++j;
     std::string_view part = path.substr(i, j - i);
+    out.directory = part == "." || part == "..";
     if (part.empty() || part == ".") {
     } else if (part == "..") {
       if (!out.parts.empty())
@@ -91,6 +92,8 @@ GuestPath parse_guest_path(std::string_view path, const std::vector<std::string>
     }
     i = j + 1;
   }
+  if (!path.empty() && is_separator(path.back()))
+    out.directory = true;
   return out;
 }
 
@@ -123,6 +126,12 @@ bool Sandbox::attach(const std::string &dir) {
     ::close(root_fd_);
   root_fd_ = fd;
   return true;
+}
+
+bool Sandbox::is_root(int fd) const {
+  struct stat a, b;
+  return root_fd_ >= 0 && ::fstat(fd, &a) == 0 && ::fstat(root_fd_, &b) == 0 &&
+         a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
 int Sandbox::open(const std::vector<std::string> &parts, int flags, mode_t mode) const {

@@ -16,6 +16,7 @@ namespace kvrun {
 struct GuestPath {
   std::vector<std::string> parts;
   int error = 0;
+  bool directory = false; // ends in a separator, "." or "..": must name a directory
 };
 
 // Accepts "c:\a\b", "C:/a/b", "/a/b" and paths relative to `cwd` (itself a GuestPath's
@@ -38,6 +39,8 @@ public:
   // Takes `dir` as the root; false (host errno set) if it cannot be opened.
   bool attach(const std::string &dir);
   bool attached() const { return root_fd_ >= 0; }
+  // Whether the host descriptor `fd` is the root directory itself.
+  bool is_root(int fd) const;
   // Tests take the path-walking fallback on kernels that have openat2 as well.
   void use_openat2(bool on) { openat2_ = on; }
 

@@ -435,6 +435,40 @@ TEST(Sandbox, EscapesStayInsideTheRoot) {
   EXPECT_EQ(__syscall_rename("c:\\moved", "/outside/secret.txt"), 0);
 }
 
+// A name ending in a separator, "." or ".." must be a directory.
+TEST(Paths, TrailingSeparatorNamesADirectory) {
+  ASSERT_EQ(make_file("/tf", "t"), 0);
+  kv_stat st;
+  const char *file_as_dir[] = {"/tf/", "c:\\tf\\", "tf/.", "tf//"};
+  for (const char *path : file_as_dir) {
+    EXPECT_FAILS(__syscall_stat(path, &st), KV_ENOTDIR);
+    EXPECT_FAILS(__syscall_open(path, KV_O_RDONLY, 0), KV_ENOTDIR);
+    EXPECT_FAILS(__syscall_unlink(path), KV_ENOTDIR);
+  }
+  EXPECT_FAILS(__syscall_open("/tnew/", kCreate, 0644), KV_EISDIR);
+  EXPECT_FAILS(__syscall_stat("/tnew", &st), KV_ENOENT);
+  EXPECT_EQ(__syscall_mkdir("/td/", 0755), 0);
+  EXPECT_EQ(stat_of("td\\").st_mode & KV_S_IFMT, static_cast<uint32_t>(KV_S_IFDIR));
+  EXPECT_EQ(__syscall_rmdir("c:/td/"), 0);
+  EXPECT_EQ(__syscall_unlink("/tf"), 0);
+}
+
+// The root's ".." is the root: the listing shows nothing of the host above it.
+TEST(Sandbox, RootListingsParentIsTheRoot) {
+  uint32_t root = stat_of("/").st_ino;
+  int h = __syscall_opendir("c:\\");
+  ASSERT_NE(h, 0);
+  kv_dirent e;
+  int seen = 0;
+  while (__syscall_readdir(h, &e) >= 0)
+    if (length_of(e.d_name) == 2 && same_bytes(e.d_name, "..", 2)) {
+      ++seen;
+      EXPECT_EQ(e.d_ino, root);
+    }
+  EXPECT_EQ(__syscall_closedir(h), 0);
+  EXPECT_EQ(seen, 1);
+}
+
 TEST(Descriptors, LimitGivesEmfileAndClosingFrees) {
   ASSERT_EQ(make_file("/many", "m"), 0);
   int fds[20];
