@@ -127,7 +127,9 @@ Outcome receive_common(Process &p, const Request &r, uint32_t from, uint32_t fro
 }
 
 Outcome add_socket(Process &p, int host) {
-  int32_t fd = p.descriptors.add({host, false, true, {}});
+  Descriptor d{host, false, true};
+  d.socket = true;
+  int32_t fd = p.descriptors.add(std::move(d));
   if (fd < 0) {
     ::close(host);
     return failure(KV_EMFILE);

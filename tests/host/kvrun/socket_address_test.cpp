@@ -287,4 +287,29 @@ TEST_F(SocketServiceTest, ABadSourceBufferLosesNoDatagram) {
   EXPECT_EQ(word(kLen), 16u);
 }
 
+TEST_F(SocketServiceTest, OnlySocketsAndTheirCopiesTakeSocketCalls) {
+  uint32_t s = bound_socket(KV_AF_INET, KV_SOCK_DGRAM);
+  uint32_t copy = call(KV_SYS_fcntl, s, KV_F_DUP2FD, 10).value;
+  ASSERT_EQ(copy, 10u) << err();
+  put_string(kBuf, "file");
+  uint32_t file = call(KV_SYS_open, kBuf, KV_O_RDWR | KV_O_CREAT, 0644).value;
+  ASSERT_NE(file, kFailed) << err();
+  const struct {
+    const char *what;
+    uint32_t fd;
+    int error;
+  } cases[] = {
+      {"a socket", s, 0},         {"its copy", copy, 0},      {"a file", file, KV_ENOTSOCK},
+      {"the console", 1, KV_ENOTSOCK}, {"not open", 40, KV_EBADF}, {"negative", kFailed, KV_EBADF},
+  };
+  for (auto &c : cases) {
+    put_word(kLen, 28);
+    EXPECT_EQ(call(KV_SYS_getsockname, c.fd, kAddr, kLen).value, c.error ? kFailed : 0u) << c.what;
+    EXPECT_EQ(err(), c.error) << c.what;
+    // An unconnected datagram socket has nowhere to send to: the host's answer, not ours.
+    EXPECT_EQ(call(KV_SYS_send, c.fd, kBuf, 1, 0).value, kFailed) << c.what;
+    EXPECT_EQ(err(), c.error ? c.error : KV_EDESTADDRREQ) << c.what;
+  }
+}
+
 } // namespace
