@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Runs the guest benchmarks under kvrun and prints guest instructions per operation, with wall
-# times for the figures that are about the host (trap round trip, instruction rate).
+# times for the figures that are about the host (trap round trip, instruction rate, services
+# against the host's own system calls).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}
 kvrun="$build/host/kvrun"
 bench="${KV_BENCH_DIR:-$build/guest/bench}"
-[ -x "$kvrun" ] && [ -f "$bench/bench_trap" ] || { echo "build first: scripts/build.sh" >&2; exit 1; }
+[ -x "$kvrun" ] && [ -f "$bench/bench_trap" ] && [ -x "$build/bench/host/bench_services_native" ] || { echo "build first: scripts/build.sh" >&2; exit 1; }
 
 calc() { awk "BEGIN { print $1 }"; }
 count() { # prints the guest instruction count of one run
@@ -35,6 +36,37 @@ printf '%-44s %12s\n' "measure" "value"
 printf '%-44s %12.1f\n' "guest instructions per entry-point call" "$per_call"
 printf '%-44s %12.2f\n' "microseconds per trap round trip" "$us_per_trap"
 printf '%-44s %12.1f\n' "kvrun guest instruction rate (million/s)" "$rate"
+
+# Host services through kvrun against the same system calls made directly on the host: guest
+# operations per second from two runs (N and 2N operations, so start-up and set-up cancel), the
+# host's from bench_services_native, and what kvrun adds to each request. The guest loop and
+# its entry-point calls count as kvrun's cost here; they are a few dozen instructions.
+native=$(realpath "$build/bench/host/bench_services_native")
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+best_of_3() { # least wall seconds of three runs in the sandbox root
+  local best=1e9 t
+  for _ in 1 2 3; do
+    t=$(seconds -r "$work" "$@")
+    best=$(calc "$t < $best ? $t : $best")
+  done
+  echo "$best"
+}
+echo
+printf '%-42s %8s %12s %12s %14s\n' "service (guest through kvrun vs host)" "requests" "guest op/s" "host op/s" "kvrun us/req"
+while read -r op label requests n; do
+  t1=$(best_of_3 "$bench/bench_services" "$op" "$n")
+  t2=$(best_of_3 "$bench/bench_services" "$op" $((2 * n)))
+  guest=$(calc "$n / ($t2 - $t1)")
+  host=$(cd "$work" && "$native" "$op" "$n")
+  over=$(calc "(1000000 / $guest - 1000000 / $host) / $requests")
+  printf '%-42s %8d %12.0f %12.0f %14.2f\n' "${label//\~/ }" "$requests" "$guest" "$host" "$over"
+done <<'ROWS'
+write1 write~1~byte~to~a~file 1 100000
+read4k read~4~KiB~from~a~file 1 100000
+openclose open~+~close~of~a~file 2 50000
+tcp TCP~loopback~round~trip,~1~byte~each~way 4 20000
+ROWS
 
 # Memory, string and division routines: guest instructions per call, this library against the
 # peer (newlib with libgcc) built from the same source with the same inputs. Two loop lengths

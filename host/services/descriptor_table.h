@@ -20,6 +20,7 @@ struct Descriptor {
   bool console = false;
   bool owned = false; // the table closes host_fd when the descriptor goes
   std::string path;   // the guest path a file or directory was opened by, for fchdir
+  bool socket = false; // made by socket or accept; saves asking the host on every request
 };
 
 class DescriptorTable {

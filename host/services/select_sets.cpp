@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <vector>
 
+#include "memory/protection.h"
 #include "services/errno_names.h"
 
 namespace kvrun {
@@ -36,7 +37,9 @@ Outcome select_descriptors(Process &p, const Request &r,
     uint32_t addr = r.w[1 + s];
     if (addr == 0)
       continue;
-    if (p.memory.read(addr, sets[s].fds_bits, words * 4) != 0)
+    // A set that cannot take the answer fails before the wait, with no set changed.
+    if (p.memory.read(addr, sets[s].fds_bits, words * 4) != 0 ||
+        !p.memory.accessible(addr, words * 4, kProtWrite))
       return failure(KV_EFAULT);
     for (int32_t fd = 0; fd < nfds; ++fd) {
       if (!(sets[s].fds_bits[fd / 32] >> (fd % 32) & 1))

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "memory/protection.h"
+
 namespace kvrun {
 
 int host_family(int32_t family) {
@@ -96,6 +98,19 @@ int read_guest_address(const Process &p, uint32_t addr, uint32_t length, HostAdd
   if (p.memory.read(addr, bytes, n) != 0)
     return KV_EFAULT;
   return to_host_address(bytes, n, out);
+}
+
+int check_guest_address_room(const Process &p, uint32_t addr, uint32_t length_ptr) {
+  if (addr == 0)
+    return 0;
+  uint32_t room;
+  if (length_ptr == 0 || p.memory.read_u32(length_ptr, room) != 0 ||
+      !p.memory.accessible(length_ptr, 4, kProtWrite))
+    return KV_EFAULT;
+  if (static_cast<int32_t>(room) < 0)
+    return KV_EINVAL;
+  uint32_t most = std::min<uint32_t>(room, sizeof(kv_sockaddr_storage));
+  return p.memory.accessible(addr, most, kProtWrite) ? 0 : KV_EFAULT;
 }
 
 int store_guest_address(Process &p, uint32_t addr, uint32_t length_ptr, const sockaddr *host) {

@@ -31,5 +31,8 @@ int read_guest_address(const Process &, uint32_t addr, uint32_t length, HostAddr
 // Stores a host address through (addr, length pointer) as the calls of the accept family do:
 // cut to the guest's length, which then receives the full one. Null addr stores nothing.
 int store_guest_address(Process &, uint32_t addr, uint32_t length_ptr, const sockaddr *host);
+// What store_guest_address would refuse, checked before a call that cannot be undone (a
+// connection accepted, a datagram taken): 0 or a library errno.
+int check_guest_address_room(const Process &, uint32_t addr, uint32_t length_ptr);
 
 } // namespace kvrun

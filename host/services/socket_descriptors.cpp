@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/stat.h>
 
 #include <chrono>
 #include <kv/abi.h>
@@ -13,10 +12,7 @@ int host_socket(const Process &p, int32_t fd) {
   auto d = p.descriptors.find(fd);
   if (!d || d->host_fd < 0)
     return -KV_EBADF;
-  struct stat st;
-  if (d->console || fstat(d->host_fd, &st) != 0 || !S_ISSOCK(st.st_mode))
-    return -KV_ENOTSOCK;
-  return d->host_fd;
+  return d->socket ? d->host_fd : -KV_ENOTSOCK;
 }
 
 int wait_until_ready(const Process &p, int host_fd, short events, bool dont_wait) {

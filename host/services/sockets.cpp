@@ -100,8 +100,8 @@ Outcome receive_common(Process &p, const Request &r, uint32_t from, uint32_t fro
   uint32_t length = std::min(r.w[2], kMostBytes);
   if (!p.memory.accessible(r.w[1], length, kProtWrite))
     return failure(KV_EFAULT);
-  if (from != 0 && (from_len == 0 || !p.memory.accessible(from_len, 4, kProtWrite)))
-    return failure(KV_EFAULT);
+  if (int e = check_guest_address_room(p, from, from_len))
+    return failure(e);
   if (int e = wait_until_ready(p, host, POLLIN, flags & MSG_DONTWAIT))
     return failure(e);
   std::vector<uint8_t> data(length);
@@ -127,7 +127,9 @@ Outcome receive_common(Process &p, const Request &r, uint32_t from, uint32_t fro
 }
 
 Outcome add_socket(Process &p, int host) {
-  int32_t fd = p.descriptors.add({host, false, true, {}});
+  Descriptor d{host, false, true};
+  d.socket = true;
+  int32_t fd = p.descriptors.add(std::move(d));
   if (fd < 0) {
     ::close(host);
     return failure(KV_EMFILE);
@@ -238,8 +240,8 @@ Outcome accept(Process &p, const Request &r) {
   Outcome fail;
   if (!socket_of(p, r.w[0], host, fail))
     return fail;
-  if (r.w[1] != 0 && (r.w[2] == 0 || !p.memory.accessible(r.w[2], 4, kProtWrite)))
-    return failure(KV_EFAULT);
+  if (int e = check_guest_address_room(p, r.w[1], r.w[2]))
+    return failure(e);
   if (int e = wait_until_ready(p, host, POLLIN, false))
     return failure(e);
   sockaddr_storage a{};

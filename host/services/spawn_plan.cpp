@@ -4,6 +4,8 @@
 #include <kv/abi.h>
 #include <unistd.h>
 
+#include <set>
+
 #include "services/file_support.h"
 
 namespace kvrun {
@@ -16,13 +18,13 @@ constexpr uint32_t kLongestString = 64 * 1024;
 // A null-terminated guest array of strings.
 int read_strings(const Process &p, uint32_t addr, std::vector<std::string> &out) {
   for (uint32_t i = 0;; ++i) {
-    if (i == kMostStrings)
-      return KV_E2BIG;
     uint32_t s;
     if (p.memory.read_u32(addr + 4 * i, s) != 0)
       return KV_EFAULT;
     if (s == 0)
       return 0;
+    if (i == kMostStrings)
+      return KV_E2BIG;
     std::string text;
     switch (p.memory.read_string(s, kLongestString, text)) {
     case StringStatus::fault: return KV_EFAULT;
@@ -43,21 +45,31 @@ int open_in_sandbox(Process &p, uint32_t path, int flags, int mode, int &fd) {
   return fd < 0 ? from_host_errno(errno) : 0;
 }
 
-int apply_action(Process &p, const kv_spawn_action &a, SpawnPlan &plan) {
+// The actions apply in order to the child's view of the descriptors: its 0 to 2 are
+// plan.console, the parent's others stay reachable for dup2 until an action closes them.
+int apply_action(Process &p, const kv_spawn_action &a, SpawnPlan &plan,
+                 std::set<int32_t> &closed) {
   if (a.fd < 0)
     return KV_EBADF;
   switch (a.kind) {
   case KV_SPAWN_CLOSE:
     if (a.fd < 3)
       plan.console[a.fd] = -1;
+    else
+      closed.insert(a.fd);
     return 0; // the child inherits nothing above 2
   case KV_SPAWN_DUP2: {
-    auto d = p.descriptors.find(a.fd);
-    if (!d || d->host_fd < 0)
+    int from = -1;
+    if (a.fd < 3) {
+      from = plan.console[a.fd];
+    } else if (auto d = p.descriptors.find(a.fd); d && !closed.count(a.fd)) {
+      from = d->host_fd;
+    }
+    if (from < 0)
       return KV_EBADF;
     if (a.arg > 2)
       return KV_EINVAL; // only the standard descriptors pass to the child
-    plan.console[a.arg] = d->host_fd;
+    plan.console[a.arg] = from;
     return 0;
   }
   case KV_SPAWN_OPEN: {
@@ -108,11 +120,12 @@ int read_spawn_plan(Process &p, uint32_t path, uint32_t actions, uint32_t attrib
       return KV_EFAULT;
     if (fa.count < 0 || static_cast<uint32_t>(fa.count) > kMostActions)
       return KV_EINVAL;
+    std::set<int32_t> closed;
     for (int32_t i = 0; i < fa.count; ++i) {
       kv_spawn_action a;
       if (p.memory.read(fa.actions + i * sizeof a, &a, sizeof a) != 0)
         return KV_EFAULT;
-      if (int e = apply_action(p, a, plan))
+      if (int e = apply_action(p, a, plan, closed))
         return e;
     }
   }
