@@ -19,12 +19,11 @@ Outcome dispatch(Process &process, const Request &request) {
   } else {
     outcome = failure(KV_ENOSYS);
   }
-  if (outcome.error) {
-    // Only into a cell the program told us about, and only while it is still writable.
-    auto cell = outcome.h_errno ? process.h_errno_cell : process.errno_cell;
-    if (cell)
-      process.memory.write_u32(*cell, static_cast<uint32_t>(outcome.error));
-  }
+  // Only into a cell the program told us about, and only while it is still writable.
+  if (outcome.error && process.errno_cell)
+    process.memory.write_u32(*process.errno_cell, static_cast<uint32_t>(outcome.error));
+  if (outcome.h_error && process.h_errno_cell)
+    process.memory.write_u32(*process.h_errno_cell, static_cast<uint32_t>(outcome.h_error));
   if (process.trace_fd >= 0) {
     // The raw words first (tools parse them), then the call as a reader wants it: paths and
     // buffer contents decoded.

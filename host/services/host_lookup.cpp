@@ -20,7 +20,15 @@ namespace {
 
 constexpr uint32_t kLongestName = 1024;
 
-Outcome host_error(int library_h_errno) { return {0xFFFFFFFFu, library_h_errno, true}; }
+Outcome host_error(int library_h_errno) { return {0xFFFFFFFFu, 0, library_h_errno}; }
+
+// Callers learn why a lookup failed from h_errno alone: a request that cannot be answered as
+// asked (bad pointer, buffer too small) is an unrecoverable one, with errno saying more.
+Outcome with_h_errno(Outcome o) {
+  if (o.value != 0 && o.h_error == 0)
+    o.h_error = KV_NO_RECOVERY;
+  return o;
+}
 
 int library_h_errno(int host) {
   switch (host) {
@@ -74,8 +82,10 @@ template <typename Lookup> Outcome lookup(Process &p, uint32_t buffer, uint32_t 
 
 } // namespace
 
+namespace {
+
 // gethostbyname(name, name length, buffer, size)
-Outcome gethostbyname(Process &p, const Request &r) {
+Outcome by_name(Process &p, const Request &r) {
   if (r.w[0] == 0 || r.w[1] == 0)
     return host_error(KV_HOST_NOT_FOUND);
   if (r.w[1] > kLongestName)
@@ -89,7 +99,7 @@ Outcome gethostbyname(Process &p, const Request &r) {
   Outcome o = lookup(p, r.w[2], r.w[3], [&](hostent *h, char *b, size_t n, hostent **res, int *e) {
     return gethostbyname2_r(name.c_str(), AF_INET, h, b, n, res, e);
   });
-  if (o.h_errno && o.error == KV_HOST_NOT_FOUND) // no IPv4 address: perhaps an IPv6 one
+  if (o.h_error == KV_HOST_NOT_FOUND) // no IPv4 address: perhaps an IPv6 one
     o = lookup(p, r.w[2], r.w[3], [&](hostent *h, char *b, size_t n, hostent **res, int *e) {
       return gethostbyname2_r(name.c_str(), AF_INET6, h, b, n, res, e);
     });
@@ -97,7 +107,7 @@ Outcome gethostbyname(Process &p, const Request &r) {
 }
 
 // gethostbyaddr(address, length, type, buffer, size)
-Outcome gethostbyaddr(Process &p, const Request &r) {
+Outcome by_address(Process &p, const Request &r) {
   int family = host_family(static_cast<int32_t>(r.w[2]));
   uint32_t expected = family == AF_INET ? 4 : family == AF_INET6 ? 16 : 0;
   if (expected == 0)
@@ -113,5 +123,10 @@ Outcome gethostbyaddr(Process &p, const Request &r) {
     return gethostbyaddr_r(address, expected, family, h, b, n, res, e);
   });
 }
+
+} // namespace
+
+Outcome gethostbyname(Process &p, const Request &r) { return with_h_errno(by_name(p, r)); }
+Outcome gethostbyaddr(Process &p, const Request &r) { return with_h_errno(by_address(p, r)); }
 
 } // namespace kvrun::handlers

@@ -13,12 +13,12 @@ struct Request {
 
 struct Outcome {
   uint32_t value;
-  int error = 0;        // library errno to store; 0 stores nothing
-  bool h_errno = false; // store into the h_errno cell rather than errno
+  int error = 0;   // library errno to store; 0 stores nothing
+  int h_error = 0; // h_errno to store (host lookups); 0 stores nothing
 };
 
-inline Outcome success(uint32_t value) { return {value, 0, false}; }
+inline Outcome success(uint32_t value) { return {value, 0, 0}; }
 // The usual failure: -1 (which is also MAP_FAILED) with the error.
-inline Outcome failure(int error) { return {0xFFFFFFFFu, error, false}; }
+inline Outcome failure(int error) { return {0xFFFFFFFFu, error, 0}; }
 
 } // namespace kvrun

@@ -137,7 +137,7 @@ TEST_F(HostLookupTest, LocalhostFillsTheBufferWithGuestPointersAndNothingBeyondI
   for (uint32_t size : {used - 1, 20u, 0u}) {
     EXPECT_EQ(by_name("localhost", size).value, kFailed) << size;
     EXPECT_EQ(err(), KV_ERANGE) << size;
-    EXPECT_EQ(herr(), 0) << size;
+    EXPECT_EQ(herr(), KV_NO_RECOVERY) << size;
     EXPECT_TRUE(guarded(kBuffer, used + kRoom)) << size;
   }
 }
@@ -164,11 +164,11 @@ TEST_F(HostLookupTest, FailuresGoToTheRightCellAndLeaveTheBufferAlone) {
       {"null name", 0, 0, kBuffer, 2836, 0, KV_HOST_NOT_FOUND},
       {"empty name", kName, 0, kBuffer, 2836, 0, KV_HOST_NOT_FOUND},
       {"name too long", kName + 0x100, 1025, kBuffer, 2836, 0, KV_HOST_NOT_FOUND},
-      {"name unmapped", kUnmapped, 9, kBuffer, 2836, KV_EFAULT, 0},
-      {"name runs off the map", kReadOnly + 0xffc, 9, kBuffer, 2836, KV_EFAULT, 0},
-      {"null buffer", kName, 20, 0, 2836, KV_EFAULT, 0},
-      {"read-only buffer", kName, 20, kReadOnly, 64, KV_EFAULT, 0},
-      {"buffer runs off the map", kName, 20, kReadOnly - 16, 64, KV_EFAULT, 0},
+      {"name unmapped", kUnmapped, 9, kBuffer, 2836, KV_EFAULT, KV_NO_RECOVERY},
+      {"name runs off the map", kReadOnly + 0xffc, 9, kBuffer, 2836, KV_EFAULT, KV_NO_RECOVERY},
+      {"null buffer", kName, 20, 0, 2836, KV_EFAULT, KV_NO_RECOVERY},
+      {"read-only buffer", kName, 20, kReadOnly, 64, KV_EFAULT, KV_NO_RECOVERY},
+      {"buffer runs off the map", kName, 20, kReadOnly - 16, 64, KV_EFAULT, KV_NO_RECOVERY},
   };
   for (auto &c : cases) {
     guard(kBuffer, 2836);
@@ -191,6 +191,7 @@ TEST_F(HostLookupTest, AddressBackToItsEntry) {
   guard(kBuffer, 2836);
   EXPECT_EQ(call(KV_SYS_gethostbyaddr, kName, 4, KV_AF_INET, kBuffer, used - 1).value, kFailed);
   EXPECT_EQ(err(), KV_ERANGE);
+  EXPECT_EQ(herr(), KV_NO_RECOVERY);
   EXPECT_TRUE(guarded(kBuffer, 2836));
 }
 
@@ -203,13 +204,13 @@ TEST_F(HostLookupTest, AddressFailures) {
     int error, h_error;
   } cases[] = {
       {"no name for it", kName, 4, KV_AF_INET, kBuffer, 0, KV_HOST_NOT_FOUND},
-      {"IPv4 with 16 bytes", kName, 16, KV_AF_INET, kBuffer, KV_EINVAL, 0},
-      {"IPv6 with 4 bytes", kName, 4, KV_AF_INET6, kBuffer, KV_EINVAL, 0},
-      {"unspecified family", kName, 4, KV_AF_UNSPEC, kBuffer, KV_EAFNOSUPPORT, 0},
-      {"host's own IPv6 number", kName, 16, 10, kBuffer, KV_EAFNOSUPPORT, 0},
-      {"null address", 0, 4, KV_AF_INET, kBuffer, KV_EFAULT, 0},
-      {"address unmapped", kUnmapped, 4, KV_AF_INET, kBuffer, KV_EFAULT, 0},
-      {"read-only buffer", kName, 4, KV_AF_INET, kReadOnly, KV_EFAULT, 0},
+      {"IPv4 with 16 bytes", kName, 16, KV_AF_INET, kBuffer, KV_EINVAL, KV_NO_RECOVERY},
+      {"IPv6 with 4 bytes", kName, 4, KV_AF_INET6, kBuffer, KV_EINVAL, KV_NO_RECOVERY},
+      {"unspecified family", kName, 4, KV_AF_UNSPEC, kBuffer, KV_EAFNOSUPPORT, KV_NO_RECOVERY},
+      {"host's own IPv6 number", kName, 16, 10, kBuffer, KV_EAFNOSUPPORT, KV_NO_RECOVERY},
+      {"null address", 0, 4, KV_AF_INET, kBuffer, KV_EFAULT, KV_NO_RECOVERY},
+      {"address unmapped", kUnmapped, 4, KV_AF_INET, kBuffer, KV_EFAULT, KV_NO_RECOVERY},
+      {"read-only buffer", kName, 4, KV_AF_INET, kReadOnly, KV_EFAULT, KV_NO_RECOVERY},
   };
   for (auto &c : cases) {
     guard(kBuffer, 2836);

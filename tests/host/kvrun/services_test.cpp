@@ -109,7 +109,7 @@ TEST_F(ServicesTest, HErrnoFailuresGoToTheHErrnoCell) {
   handshake();
   EXPECT_EQ(call(KV_SYS_set_h_errno_addr, kHCell).value, 0u);
   process.services.set(KV_SYS_gethostbyname, {"gethostbyname", [](Process &, const Request &) {
-                                                 return Outcome{kFailed, 3, true};
+                                                 return Outcome{kFailed, 0, 3};
                                                }, "s"});
   m.memory.write_u32(kCell, 0);
   EXPECT_EQ(call(KV_SYS_gethostbyname).value, kFailed);
@@ -207,12 +207,14 @@ TEST_F(ServicesTest, TraceLinesHaveTheExactFormat) {
   call(-1, 0xdeadbeef);
   call(3, 1, 2, 3, 4, 5, 6, 7);
   call(KV_SYS_open, kData, 0x10, 0644); // unknown flags: refused before any file is touched
+  call(KV_SYS_gethostbyname);           // no name: h_errno only
   EXPECT_EQ(file_text(trace),
             "trap 35 set_errno_addr 00010ff0 00000000 00000000 00000000 00000000 00000000 00000000 = 00000000 errno 0 set_errno_addr(0x00010ff0)\n"
             "trap 14 write 00000001 00010000 00000005 00000000 00000000 00000000 00000000 = 00000005 errno 0 write(1, \"hello\", 5)\n"
             "trap -1 unsupported deadbeef 00000000 00000000 00000000 00000000 00000000 00000000 = ffffffff errno 74 unsupported(0xdeadbeef, 0x00000000, 0x00000000, 0x00000000, 0x00000000, 0x00000000, 0x00000000)\n"
             "trap 3 unknown 00000001 00000002 00000003 00000004 00000005 00000006 00000007 = ffffffff errno 74 unknown(0x00000001, 0x00000002, 0x00000003, 0x00000004, 0x00000005, 0x00000006, 0x00000007)\n"
-            "trap 0 open 00010000 00000010 000001a4 00000000 00000000 00000000 00000000 = ffffffff errno 45 open(\"hello\", 0x00000010, 0644)\n");
+            "trap 0 open 00010000 00000010 000001a4 00000000 00000000 00000000 00000000 = ffffffff errno 45 open(\"hello\", 0x00000010, 0644)\n"
+            "trap 38 gethostbyname 00000000 00000000 00000000 00000000 00000000 00000000 00000000 = ffffffff errno 0 h_errno 1 gethostbyname(0x00000000, 0, 0x00000000, 0)\n");
 }
 
 TEST_F(ServicesTest, FaultInjectionFailsTheChosenCallsBeforeTheirHandlers) {
