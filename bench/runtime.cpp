@@ -10,6 +10,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include "bench_args.h"
+
 extern "C" {
 #ifdef KV_BENCH_PEER
 void *memcpy(void *, const void *, size_t);
@@ -60,17 +62,6 @@ uint64_t rnd_bits(int bits) {
 
 uint32_t word(const void *p) { return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(p)); }
 
-unsigned parse(const char *s) {
-  unsigned v = 0;
-  while (*s >= '0' && *s <= '9')
-    v = v * 10 + static_cast<unsigned>(*s++ - '0');
-  return v;
-}
-bool same(const char *a, const char *b) {
-  while (*a && *a == *b)
-    ++a, ++b;
-  return *a == *b;
-}
 
 void all(uint32_t a0, uint32_t a1, uint32_t a2, uint32_t a3) {
   for (Args &t : table)

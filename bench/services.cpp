@@ -8,6 +8,8 @@
 #include <kv/abi.h>
 #include <kv/syscall.h>
 
+#include "bench_args.h"
+
 namespace {
 
 constexpr int kBlock = 4096;
@@ -17,18 +19,6 @@ const char kReadFile[] = "bench-read.tmp";
 
 alignas(4) char block[kBlock];
 
-unsigned parse(const char *s) {
-  unsigned v = 0;
-  while (*s >= '0' && *s <= '9')
-    v = v * 10 + static_cast<unsigned>(*s++ - '0');
-  return v;
-}
-
-bool same(const char *a, const char *b) {
-  while (*a && *a == *b)
-    ++a, ++b;
-  return *a == *b;
-}
 
 int make_read_file() {
   int fd = __syscall_open(kReadFile, KV_O_WRONLY | KV_O_CREAT | KV_O_TRUNC, 0644);

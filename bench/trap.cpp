@@ -3,24 +3,12 @@
 //   trap getpid N | trap empty N | trap spin N
 #include <kv/syscall.h>
 
+#include "bench_args.h"
+
 extern "C" __attribute__((noinline)) int empty_call(void) {
   __asm__ volatile("");
   return 0;
 }
-
-namespace {
-unsigned parse(const char *s) {
-  unsigned v = 0;
-  while (*s >= '0' && *s <= '9')
-    v = v * 10 + static_cast<unsigned>(*s++ - '0');
-  return v;
-}
-bool same(const char *a, const char *b) {
-  while (*a && *a == *b)
-    ++a, ++b;
-  return *a == *b;
-}
-} // namespace
 
 int main(int argc, char **argv) {
   if (argc < 3)

@@ -58,7 +58,9 @@ CallResult Cpu::call(uint32_t fn, std::span<const uint32_t> args, uint32_t sp,
 
   uint64_t start = fn;
   while (true) {
-    if (watchdog_ && watchdog_->expired()) {
+    // The clock as well as the watchdog's flag: a service that waited up to the deadline returns
+    // before the watchdog thread has woken to say so.
+    if (watchdog_ && (watchdog_->expired() || Watchdog::Clock::now() >= watchdog_->deadline())) {
       watchdog_->acknowledge();
       return {CallResult::faulted, 0, Fault{Fault::time_limit, 0, static_cast<uint32_t>(start & ~1u), 0, {}}};
     }

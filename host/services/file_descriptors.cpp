@@ -80,15 +80,7 @@ Outcome fstat(Process &p, const Request &r) {
   auto d = p.descriptors.find(static_cast<int32_t>(r.w[0]));
   if (!d)
     return failure(KV_EBADF);
-  struct stat st;
-  if (::fstat(d->host_fd, &st) != 0)
-    return host_failure();
-  kv_stat out;
-  if (!files::to_guest_stat(st, out))
-    return failure(KV_EOVERFLOW);
-  if (p.memory.write(r.w[1], &out, sizeof out))
-    return failure(KV_EFAULT);
-  return success(0);
+  return files::store_stat(p, d->host_fd, r.w[1]);
 }
 
 Outcome fsync(Process &p, const Request &r) {

@@ -90,15 +90,7 @@ Outcome stat(Process &p, const Request &r) {
   if (t.error)
     return failure(t.error);
   HostFd f{t.sandbox->open(t.path.parts, O_PATH)};
-  struct stat st;
-  if (f.fd < 0 || ::fstat(f.fd, &st) != 0)
-    return host_failure();
-  kv_stat out;
-  if (!files::to_guest_stat(st, out))
-    return failure(KV_EOVERFLOW);
-  if (p.memory.write(r.w[1], &out, sizeof out))
-    return failure(KV_EFAULT);
-  return success(0);
+  return files::store_stat(p, f.fd, r.w[1]);
 }
 
 // access(path, mode): the file as found inside the root, checked by the host for kvrun's user.

@@ -49,6 +49,18 @@ Sandbox *sandbox(Process &p) {
   return &s;
 }
 
+Outcome store_stat(Process &p, int host, uint32_t addr) {
+  struct stat st;
+  if (host < 0 || ::fstat(host, &st) != 0)
+    return host_failure();
+  kv_stat out;
+  if (!to_guest_stat(st, out))
+    return failure(KV_EOVERFLOW);
+  if (p.memory.write(addr, &out, sizeof out))
+    return failure(KV_EFAULT);
+  return success(0);
+}
+
 bool to_guest_stat(const struct stat &st, kv_stat &out) {
   constexpr auto kMax = std::numeric_limits<int32_t>::max();
   if (st.st_size > kMax || st.st_ino > UINT32_MAX || st.st_mtime > kMax || st.st_atime > kMax ||

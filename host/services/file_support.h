@@ -32,6 +32,8 @@ Sandbox *sandbox(Process &p);
 
 // Fills the record; false (EOVERFLOW) if a size or number does not fit.
 bool to_guest_stat(const struct stat &st, kv_stat &out);
+// stat and fstat's answer: the record of host descriptor `host` stored at guest `addr`.
+Outcome store_stat(Process &p, int host, uint32_t addr);
 
 // The host descriptor behind a guest file descriptor (not the console); -1 if there is none.
 int file_fd(const Process &p, int32_t fd);

@@ -205,7 +205,10 @@ Outcome socket(Process &p, const Request &r) {
   return add_socket(p, host);
 }
 
-Outcome bind(Process &p, const Request &r) {
+namespace {
+
+// bind and connect: (socket, address, length) with the address translated for the host.
+Outcome with_address(Process &p, const Request &r, int (*call)(int, const sockaddr *, socklen_t)) {
   int host;
   Outcome fail;
   if (!socket_of(p, r.w[0], host, fail))
@@ -213,19 +216,13 @@ Outcome bind(Process &p, const Request &r) {
   HostAddress a;
   if (int e = read_guest_address(p, r.w[1], r.w[2], a))
     return failure(e);
-  return ::bind(host, a.get(), a.length) == 0 ? success(0) : host_failure();
+  return call(host, a.get(), a.length) == 0 ? success(0) : host_failure();
 }
 
-Outcome connect(Process &p, const Request &r) {
-  int host;
-  Outcome fail;
-  if (!socket_of(p, r.w[0], host, fail))
-    return fail;
-  HostAddress a;
-  if (int e = read_guest_address(p, r.w[1], r.w[2], a))
-    return failure(e);
-  return ::connect(host, a.get(), a.length) == 0 ? success(0) : host_failure();
-}
+} // namespace
+
+Outcome bind(Process &p, const Request &r) { return with_address(p, r, ::bind); }
+Outcome connect(Process &p, const Request &r) { return with_address(p, r, ::connect); }
 
 Outcome listen(Process &p, const Request &r) {
   int host;

@@ -13,12 +13,6 @@ constexpr uint32_t kPage = 4096;
 const auto kWild = reinterpret_cast<char *>(0xDEAD0000u); // never mapped
 const auto kLow = reinterpret_cast<char *>(0x10u);        // just above null
 
-#define EXPECT_FAILS(call, error)                                                                 \
-  do {                                                                                            \
-    __set_errno(0);                                                                               \
-    EXPECT_EQ(static_cast<long>(call), -1L);                                                      \
-    EXPECT_EQ(__read_errno(), error);                                                             \
-  } while (0)
 
 // Two mapped pages: the first read-only, the second read-write, then a hole where a third was.
 struct Pages {

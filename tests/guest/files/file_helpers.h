@@ -12,6 +12,14 @@ int __read_errno(void);
 void __set_errno(int);
 }
 
+// Expects the call's -1 (or other failure mark) and the errno it stored.
+#define EXPECT_FAILS(call, error)                                                                 \
+  do {                                                                                            \
+    __set_errno(0);                                                                               \
+    EXPECT_EQ(static_cast<long>(call), -1L);                                                      \
+    EXPECT_EQ(__read_errno(), error);                                                             \
+  } while (0)
+
 namespace filetest {
 
 constexpr int kCreate = KV_O_WRONLY | KV_O_CREAT | KV_O_TRUNC;

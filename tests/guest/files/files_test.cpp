@@ -10,13 +10,6 @@ using namespace filetest;
 
 namespace {
 
-// Expects the call's -1 (or other failure mark) and the errno it stored.
-#define EXPECT_FAILS(call, error)                                                                 \
-  do {                                                                                            \
-    __set_errno(0);                                                                               \
-    EXPECT_EQ(static_cast<long>(call), -1L);                                                      \
-    EXPECT_EQ(__read_errno(), error);                                                             \
-  } while (0)
 
 struct Names {
   const char *name;
