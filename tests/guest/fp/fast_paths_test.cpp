@@ -13,6 +13,14 @@ double __aeabi_dmul(double, double);
 double _dadd(double, double);
 double _dsub(double, double);
 double _dmul(double, double);
+int32_t __aeabi_d2iz(double);
+int32_t _dfix(double);
+double __aeabi_i2d(int32_t);
+double _dflt(int32_t);
+double __aeabi_f2d(float);
+double _f2d(float);
+float __aeabi_d2f(double);
+float _d2f(double);
 }
 
 namespace {
@@ -151,6 +159,61 @@ TEST(FpFastPaths, DoubleCancellation) {
       continue; // carried through the sign
     wrong += check(doubles[1], a, b);
     wrong += check(doubles[0], a, b ^ 1ull << 63);
+  }
+  EXPECT_EQ(wrong, 0);
+}
+
+template <typename T> int report(const char *name, uint64_t in, T got, T want) {
+  if (got == want)
+    return 0;
+  static int shown = 0;
+  if (shown++ < 10) {
+    kvtest::out(name);
+    kvtest::out(" ");
+    kvtest::out_hex(in);
+    kvtest::out(" gives ");
+    kvtest::out_hex(static_cast<uint64_t>(got));
+    kvtest::out(", want ");
+    kvtest::out_hex(static_cast<uint64_t>(want));
+    kvtest::out("\n");
+  }
+  return 1;
+}
+
+// Conversions: doubles over every exponent (with the integer and float ranges' edges dense),
+// integers of every length, floats of every exponent field.
+TEST(FpFastPaths, Conversions) {
+  int wrong = 0;
+  for (int i = 0; i < 30000; ++i) {
+    uint64_t r = rnd();
+    uint64_t e = r & 1 ? (r >> 1) % 0x800 : (r & 2 ? 1023 + 25 + (r >> 2) % 10 : 896 + (r >> 2) % 260);
+    if ((r >> 20 & 7) == 0)
+      e = 1023 + 31 + (r >> 24) % 3 - 1;
+    uint64_t d = (r & 1ull << 63) | e << 52 | frac();
+    int32_t want_i = kv::fp::d_to_i32(d, false);
+    wrong += report("__aeabi_d2iz", d, __aeabi_d2iz(dbl(d)), want_i);
+    wrong += report("_dfix", d, _dfix(dbl(d)), want_i);
+    uint32_t want_f = kv::fp::f_from_d(d);
+    wrong += report("__aeabi_d2f", d, __builtin_bit_cast(uint32_t, __aeabi_d2f(dbl(d))), want_f);
+    wrong += report("_d2f", d, __builtin_bit_cast(uint32_t, _d2f(dbl(d))), want_f);
+
+    auto v = static_cast<int32_t>(static_cast<uint32_t>(rnd()) >> (r >> 40) % 33);
+    if (r >> 46 & 1)
+      v = static_cast<int32_t>(0u - static_cast<uint32_t>(v));
+    if ((r >> 47 & 63) == 0)
+      v = (r >> 53 & 1) ? -2147483647 - 1 : 2147483647;
+    uint64_t want_d = kv::fp::d_from_i32(v);
+    wrong += report("__aeabi_i2d", static_cast<uint32_t>(v), bits(__aeabi_i2d(v)), want_d);
+    wrong += report("_dflt", static_cast<uint32_t>(v), bits(_dflt(v)), want_d);
+
+    auto f = static_cast<uint32_t>(rnd() >> 32);
+    if ((r >> 54 & 7) == 0)
+      f &= 0x807fffffu; // exponent field 0
+    else if ((r >> 54 & 7) == 1)
+      f |= 0x7f800000u; // infinities and NaNs
+    want_d = kv::fp::d_from_f(f);
+    wrong += report("__aeabi_f2d", f, bits(__aeabi_f2d(__builtin_bit_cast(float, f))), want_d);
+    wrong += report("_f2d", f, bits(_f2d(__builtin_bit_cast(float, f))), want_d);
   }
   EXPECT_EQ(wrong, 0);
 }
