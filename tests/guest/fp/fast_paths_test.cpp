@@ -21,6 +21,16 @@ double __aeabi_f2d(float);
 double _f2d(float);
 float __aeabi_d2f(double);
 float _d2f(double);
+int __aeabi_dcmplt(double, double);
+int __aeabi_dcmple(double, double);
+int __aeabi_dcmpgt(double, double);
+int __aeabi_dcmpge(double, double);
+int __aeabi_dcmpeq(double, double);
+int _dls(double, double);
+int _dleq(double, double);
+int _dgr(double, double);
+int _dgeq(double, double);
+int _deq(double, double);
 }
 
 namespace {
@@ -214,6 +224,50 @@ TEST(FpFastPaths, Conversions) {
     want_d = kv::fp::d_from_f(f);
     wrong += report("__aeabi_f2d", f, bits(__aeabi_f2d(__builtin_bit_cast(float, f))), want_d);
     wrong += report("_f2d", f, bits(_f2d(__builtin_bit_cast(float, f))), want_d);
+  }
+  EXPECT_EQ(wrong, 0);
+}
+
+// Relations against the four-way comparison: random pairs, equal pairs, pairs one unit apart
+// (across a sign, zero and the exponent boundaries too), and the edge values.
+TEST(FpFastPaths, Relations) {
+  using kv::fp::kEqual, kv::fp::kGreater, kv::fp::kLess;
+  struct Relation {
+    const char *name;
+    int (*fn)(double, double);
+    bool (*want)(uint32_t);
+  };
+  const Relation relations[] = {
+      {"__aeabi_dcmplt", __aeabi_dcmplt, [](uint32_t f) { return f == kLess; }},
+      {"_dls", _dls, [](uint32_t f) { return f == kLess; }},
+      {"__aeabi_dcmple", __aeabi_dcmple, [](uint32_t f) { return f == kLess || f == kEqual; }},
+      {"_dleq", _dleq, [](uint32_t f) { return f == kLess || f == kEqual; }},
+      {"__aeabi_dcmpgt", __aeabi_dcmpgt, [](uint32_t f) { return f == kGreater; }},
+      {"_dgr", _dgr, [](uint32_t f) { return f == kGreater; }},
+      {"__aeabi_dcmpge", __aeabi_dcmpge, [](uint32_t f) { return f == kGreater || f == kEqual; }},
+      {"_dgeq", _dgeq, [](uint32_t f) { return f == kGreater || f == kEqual; }},
+      {"__aeabi_dcmpeq", __aeabi_dcmpeq, [](uint32_t f) { return f == kEqual; }},
+      {"_deq", _deq, [](uint32_t f) { return f == kEqual; }},
+  };
+  int wrong = 0;
+  for (int i = 0; i < 20000; ++i) {
+    uint64_t a = operand(1 + rnd() % 0x7fe), b;
+    switch (i & 3) {
+    case 0:
+      b = a;
+      break;
+    case 1:
+      b = a + (rnd() & 1 ? 1 : 0ull - 1);
+      break;
+    case 2:
+      b = a ^ 1ull << 63;
+      break;
+    default:
+      b = operand(a >> 52 & 0x7ff);
+    }
+    uint32_t flags = kv::fp::dcmp(a, b);
+    for (const Relation &r : relations)
+      wrong += report(r.name, a ^ b, r.fn(dbl(a), dbl(b)), static_cast<int>(r.want(flags)));
   }
   EXPECT_EQ(wrong, 0);
 }
