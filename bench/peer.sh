@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
-# Builds the peer of bench_runtime: the same benchmark source linked statically against a
-# mainstream embedded C library (Debian's newlib for arm-none-eabi) and its compiler run-time
-# (libgcc), Thumb armv7-a soft-float multilib. Installs the packages when they are missing.
-#   bench/peer.sh OUTPUT
+# Builds the peer of a guest benchmark (bench_runtime by default, or bench_fp): the same
+# benchmark source linked statically against a mainstream embedded C library (Debian's newlib
+# for arm-none-eabi, with its libm) and its compiler run-time (libgcc), Thumb armv7-a
+# soft-float multilib. Installs the packages when they are missing.
+#   bench/peer.sh OUTPUT [SOURCE]
 set -euo pipefail
 out=$1
+source=${2:-runtime.cpp}
 here=$(cd "$(dirname "$0")" && pwd)
 
 if ! command -v arm-none-eabi-gcc >/dev/null || [ ! -d /usr/lib/arm-none-eabi/newlib ]; then
@@ -18,10 +20,11 @@ flags=(-mthumb -march=armv7-a -mfloat-abi=soft)
 multilib=$(arm-none-eabi-gcc "${flags[@]}" -print-multi-directory)
 libgcc=$(arm-none-eabi-gcc "${flags[@]}" -print-libgcc-file-name)
 newlib=/usr/lib/arm-none-eabi/newlib/$multilib/libc.a
-[ -f "$newlib" ] || { echo "peer: no $newlib" >&2; exit 1; }
+libm=/usr/lib/arm-none-eabi/newlib/$multilib/libm.a
+[ -f "$newlib" ] && [ -f "$libm" ] || { echo "peer: no $newlib or $libm" >&2; exit 1; }
 
 obj=$(mktemp --suffix=.o)
 trap 'rm -f "$obj"' EXIT
 clang --target=armv7a-none-eabi "${flags[@]}" -O2 -std=c++20 -nostdlibinc \
-  -fno-exceptions -fno-rtti -fno-builtin -DKV_BENCH_PEER -c "$here/runtime.cpp" -o "$obj"
-ld.lld -static -e main --build-id=none "$obj" --start-group "$newlib" "$libgcc" --end-group -o "$out"
+  -fno-exceptions -fno-rtti -fno-builtin -DKV_BENCH_PEER -c "$here/$source" -o "$obj"
+ld.lld -static -e main --build-id=none "$obj" --start-group "$libm" "$newlib" "$libgcc" --end-group -o "$out"

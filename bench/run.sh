@@ -2,9 +2,11 @@
 # Runs the guest benchmarks under kvrun and prints guest instructions per operation, with wall
 # times for the figures that are about the host (trap round trip, instruction rate, services
 # against the host's own system calls).
+#   bench/run.sh [BUILD [fp]]   with fp, only the soft-float table
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}
+only=${2:-}
 kvrun="$build/host/kvrun"
 bench="${KV_BENCH_DIR:-$build/guest/bench}"
 [ -x "$kvrun" ] && [ -f "$bench/bench_trap" ] && [ -x "$build/bench/host/bench_services_native" ] || { echo "build first: scripts/build.sh" >&2; exit 1; }
@@ -18,6 +20,49 @@ seconds() { # wall seconds of one run
   t0=$(date +%s.%N); "$kvrun" "$@" >/dev/null; t1=$(date +%s.%N)
   calc "$t1 - $t0"
 }
+
+# Guest instructions per call of OP in a calibrated benchmark program: two loop lengths and a
+# calibration loop around an empty function cancel every cost outside the call.
+per_call() { # program op -> instructions per call
+  local n=2560 a1 a2 e1 e2
+  a1=$(count "$1" "$2" $n); a2=$(count "$1" "$2" $((2 * n)))
+  e1=$(count "$1" "empty:$2" $n); e2=$(count "$1" "empty:$2" $((2 * n)))
+  calc "(($a2 - $a1) - ($e2 - $e1)) / $n + 1"
+}
+
+fp_table() {
+  # Soft-float routines on finite normal random operands, this library's EABI entries against
+  # libgcc's (and newlib libm's sqrt and sqrtf), both built from bench/fp.cpp.
+  local peer="$build/bench-peer/bench_fp_peer"
+  mkdir -p "$(dirname "$peer")"
+  bench/peer.sh "$peer" fp.cpp
+  echo
+  printf '%-40s %10s %10s %8s\n' "per call (guest instructions)" "kvlibc" "libgcc" "goal"
+  while read -r op label goal; do
+    ours=$(per_call "$bench/bench_fp" "$op")
+    theirs=$(per_call "$peer" "$op")
+    printf '%-40s %10.1f %10.1f %8s\n' "${label//\~/ }" "$ours" "$theirs" "$goal"
+  done <<'ROWS'
+dadd __aeabi_dadd <=45
+dsub __aeabi_dsub <=45
+dmul __aeabi_dmul <=45
+ddiv __aeabi_ddiv <=150
+dsqrt _dsqrt~(peer:~libm~sqrt) <=250
+dcmplt __aeabi_dcmplt <=20
+d2iz __aeabi_d2iz <=15
+i2d __aeabi_i2d <=34
+d2f __aeabi_d2f <=14
+f2d __aeabi_f2d <=9
+fadd __aeabi_fadd <=35
+fmul __aeabi_fmul <=30
+fdiv __aeabi_fdiv <=60
+fsqrt _fsqrt~(peer:~libm~sqrtf) -
+ROWS
+}
+if [ "$only" = fp ]; then
+  fp_table
+  exit 0
+fi
 
 n=100000
 c_trap=$(count "$bench/bench_trap" getpid $n)
@@ -74,12 +119,6 @@ ROWS
 peer="$build/bench-peer/bench_runtime_peer"
 mkdir -p "$(dirname "$peer")"
 bench/peer.sh "$peer"
-per_call() { # program op -> instructions per call
-  local n=2560 a1 a2 e1 e2
-  a1=$(count "$1" "$2" $n); a2=$(count "$1" "$2" $((2 * n)))
-  e1=$(count "$1" "empty:$2" $n); e2=$(count "$1" "empty:$2" $((2 * n)))
-  calc "(($a2 - $a1) - ($e2 - $e1)) / $n + 1"
-}
 echo
 printf '%-40s %10s %10s %8s\n' "per call (guest instructions)" "kvlibc" "newlib" "goal"
 while read -r op label goal; do
@@ -103,3 +142,5 @@ strcmp100_s1s2 strcmp~equal~100~chars~s1+1~s2+2 -
 uidiv __aeabi_uidiv~(random~bit~lengths) -
 uldivmod __aeabi_uldivmod~(random~bit~lengths) <=100
 ROWS
+
+fp_table

@@ -40,18 +40,24 @@ extern "C" uint32_t __kv_fp_fcmp_flags(uint32_t a, uint32_t b) { return kv::fp::
     return test;                                                                                  \
   }
 
-KV_FP_RELATION(_deq, double, dcmp, flags == kv::fp::kEqual)
+// _deq, _dgr, _dgeq, _dleq, _dls and their EABI names are in compare_fast.S; these are their
+// paths for zeros, subnormals, infinities and NaNs (and the exports where it is not built).
+#ifdef __arm__
+#define KV_FP_FAST_RELATION(name, type, core, test)                                               \
+  extern "C" __attribute__((visibility("hidden"))) int __kv_fp##name(type a, type b) {            \
+    uint32_t flags = kv::fp::core(kv::fp::bits(a), kv::fp::bits(b));                              \
+    return test;                                                                                  \
+  }
+#else
+#define KV_FP_FAST_RELATION KV_FP_RELATION
+#endif
+KV_FP_FAST_RELATION(_deq, double, dcmp, flags == kv::fp::kEqual)
 KV_FP_RELATION(_dneq, double, dcmp, flags != kv::fp::kEqual)
-KV_FP_RELATION(_dgr, double, dcmp, flags == kv::fp::kGreater)
-KV_FP_RELATION(_dgeq, double, dcmp, flags == kv::fp::kGreater || flags == kv::fp::kEqual)
-KV_FP_RELATION(_dleq, double, dcmp, flags == kv::fp::kLess || flags == kv::fp::kEqual)
-KV_FP_RELATION(_dls, double, dcmp, flags == kv::fp::kLess)
+KV_FP_FAST_RELATION(_dgr, double, dcmp, flags == kv::fp::kGreater)
+KV_FP_FAST_RELATION(_dgeq, double, dcmp, flags == kv::fp::kGreater || flags == kv::fp::kEqual)
+KV_FP_FAST_RELATION(_dleq, double, dcmp, flags == kv::fp::kLess || flags == kv::fp::kEqual)
+KV_FP_FAST_RELATION(_dls, double, dcmp, flags == kv::fp::kLess)
 KV_FP_RELATION(_dun, double, dcmp, flags == kv::fp::kUnordered)
-KV_ALIAS(protected, int, __aeabi_dcmpeq, (double, double), _deq);
-KV_ALIAS(protected, int, __aeabi_dcmplt, (double, double), _dls);
-KV_ALIAS(protected, int, __aeabi_dcmple, (double, double), _dleq);
-KV_ALIAS(protected, int, __aeabi_dcmpge, (double, double), _dgeq);
-KV_ALIAS(protected, int, __aeabi_dcmpgt, (double, double), _dgr);
 KV_ALIAS(protected, int, __aeabi_dcmpun, (double, double), _dun);
 
 KV_FP_RELATION(_feq, float, fcmp, flags == kv::fp::kEqual)

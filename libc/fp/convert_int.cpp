@@ -114,7 +114,15 @@ uint32_t f_from_u32(uint32_t v) { return f_from_u64(v); }
 #define KV_FP_FROM_INT(name, from, to, core)                                                      \
   KV_FUNCTION(protected, to, name, (from v)) { return __builtin_bit_cast(to, kv::fp::core(v)); }
 
+// _dfix and _dflt (and their EABI names) are in convert_fast.S; these are _dfix's path for what
+// it leaves, and the portable bodies themselves where the assembly is not built.
+extern "C" __attribute__((visibility("hidden"))) int32_t __kv_fp_dfix(uint64_t a) {
+  return kv::fp::d_to_i32(a, false);
+}
+#ifndef __arm__
 KV_FP_TO_INT(_dfix, double, int32_t, d_to_i32, false)
+KV_FP_FROM_INT(_dflt, int32_t, double, d_from_i32)
+#endif
 KV_FP_TO_INT(_dfixu, double, uint32_t, d_to_u32, false)
 KV_FP_TO_INT(_dfix_r, double, int32_t, d_to_i32, true)
 KV_FP_TO_INT(_dfixu_r, double, uint32_t, d_to_u32, true)
@@ -122,7 +130,6 @@ KV_FP_TO_INT(_ll_sfrom_d, double, int64_t, d_to_i64, false)
 KV_FP_TO_INT(_ll_ufrom_d, double, uint64_t, d_to_u64, false)
 KV_FP_TO_INT(_ll_sfrom_d_r, double, int64_t, d_to_i64, true)
 KV_FP_TO_INT(_ll_ufrom_d_r, double, uint64_t, d_to_u64, true)
-KV_ALIAS(protected, int32_t, __aeabi_d2iz, (double), _dfix);
 KV_ALIAS(protected, uint32_t, __aeabi_d2uiz, (double), _dfixu);
 KV_ALIAS(protected, int64_t, __aeabi_d2lz, (double), _ll_sfrom_d);
 KV_ALIAS(protected, uint64_t, __aeabi_d2ulz, (double), _ll_ufrom_d);
@@ -140,11 +147,9 @@ KV_ALIAS(protected, uint32_t, __aeabi_f2uiz, (float), _ffixu);
 KV_ALIAS(protected, int64_t, __aeabi_f2lz, (float), _ll_sfrom_f);
 KV_ALIAS(protected, uint64_t, __aeabi_f2ulz, (float), _ll_ufrom_f);
 
-KV_FP_FROM_INT(_dflt, int32_t, double, d_from_i32)
 KV_FP_FROM_INT(_dfltu, uint32_t, double, d_from_u32)
 KV_FP_FROM_INT(_ll_sto_d, int64_t, double, d_from_i64)
 KV_FP_FROM_INT(_ll_uto_d, uint64_t, double, d_from_u64)
-KV_ALIAS(protected, double, __aeabi_i2d, (int32_t), _dflt);
 KV_ALIAS(protected, double, __aeabi_ui2d, (uint32_t), _dfltu);
 KV_ALIAS(protected, double, __aeabi_l2d, (int64_t), _ll_sto_d);
 KV_ALIAS(protected, double, __aeabi_ul2d, (uint64_t), _ll_uto_d);

@@ -57,7 +57,13 @@ uint32_t fmul(uint32_t a, uint32_t b) { return mul<uint32_t>(a, b); }
 
 } // namespace kv::fp
 
+// The exported _dmul is in mul_fast.S; this is its path for everything else.
+extern "C" __attribute__((visibility("hidden"))) uint64_t __kv_fp_dmul(uint64_t a, uint64_t b) {
+  return kv::fp::dmul(a, b);
+}
+#ifndef __arm__
+// Hosts without the assembly (the native tests) export the portable body itself.
 KV_FP_BINARY(_dmul, double, kv::fp::dmul)
-KV_ALIAS(protected, double, __aeabi_dmul, (double, double), _dmul);
+#endif
 KV_FP_BINARY(_fmul, float, kv::fp::fmul)
 KV_ALIAS(protected, float, __aeabi_fmul, (float, float), _fmul);

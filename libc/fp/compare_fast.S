@@ -1,0 +1,71 @@
+@ Double relations returning 1 or 0, for operands whose exponent fields are neither 0 nor 0x7ff.
+@ Those then order as integers once a negative encoding has its magnitude bits inverted
+@ (-m maps to -1 - m). Zeros, subnormals, infinities and NaNs go to the portable bodies.
+	.syntax unified
+	.thumb
+	.text
+
+	.macro entry name
+	.global \name
+	.protected \name
+	.type \name, %function
+	.thumb_func
+\name:
+	.endm
+
+	@ Exponent field 0 or 0x7ff in the high word \hi: to the portable body \slow.
+	.macro ordinary hi, slow
+	lsl	r12, \hi, #1
+	add	r12, r12, #0x200000
+	cmp	r12, #0x400000
+	blo	\slow
+	.endm
+
+	.macro key lo, hi
+	asr	r12, \hi, #31
+	eor	\lo, \lo, r12
+	eor	\hi, \hi, r12, lsr #1
+	.endm
+
+	@ 1 when x < y (signed keys), given as register pairs.
+	.macro relation name, alias, xlo, xhi, ylo, yhi, cond, ncond
+	.p2align 2
+entry \name
+entry \alias
+	ordinary r1, 1f
+	ordinary r3, 1f
+	key	r0, r1
+	key	r2, r3
+	cmp	\xlo, \ylo
+	sbcs	r12, \xhi, \yhi
+	ite	\cond
+	mov\cond	r0, #1
+	mov\ncond	r0, #0
+	bx	lr
+1:	b	__kv_fp\alias
+	.size \name, . - \name
+	.size \alias, . - \alias
+	.endm
+
+	relation __aeabi_dcmplt, _dls, r0, r1, r2, r3, lt, ge
+	relation __aeabi_dcmpgt, _dgr, r2, r3, r0, r1, lt, ge
+	relation __aeabi_dcmpge, _dgeq, r0, r1, r2, r3, ge, lt
+	relation __aeabi_dcmple, _dleq, r2, r3, r0, r1, ge, lt
+
+	.p2align 2
+entry __aeabi_dcmpeq
+entry _deq
+	ordinary r1, 1f
+	ordinary r3, 1f
+	cmp	r0, r2
+	it	eq
+	cmpeq	r1, r3
+	ite	eq
+	moveq	r0, #1
+	movne	r0, #0
+	bx	lr
+1:	b	__kv_fp_deq
+	.size __aeabi_dcmpeq, . - __aeabi_dcmpeq
+	.size _deq, . - _deq
+
+	.section .note.GNU-stack,"",%progbits
