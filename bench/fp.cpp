@@ -8,6 +8,8 @@
 // mathematical library's sqrt and sqrtf, with the same inputs.
 #include <stdint.h>
 
+#include "bench_args.h"
+
 extern "C" {
 void __aeabi_dadd(void);
 void __aeabi_dsub(void);
@@ -67,18 +69,6 @@ uint32_t rnd_float(int lo, int hi, bool positive) {
   uint32_t e = static_cast<uint32_t>(127 + lo + static_cast<int>((r >> 40) % (hi - lo + 1)));
   uint32_t sign = positive ? 0 : static_cast<uint32_t>(r >> 32) & 0x80000000u;
   return sign | e << 23 | (static_cast<uint32_t>(r) >> 9);
-}
-
-unsigned parse(const char *s) {
-  unsigned v = 0;
-  while (*s >= '0' && *s <= '9')
-    v = v * 10 + static_cast<unsigned>(*s++ - '0');
-  return v;
-}
-bool same(const char *a, const char *b) {
-  while (*a && *a == *b)
-    ++a, ++b;
-  return *a == *b;
 }
 
 const void *fn(void (*f)()) { return reinterpret_cast<const void *>(f); }
