@@ -72,8 +72,12 @@ KV_FUNCTION(protected, void, _printf_fp_digits,
     *result = {0, n, 0};
     return;
   }
+  // floor(log2(value) * 19728 / 65536), 19728/65536 being just under log10(2). A subnormal
+  // counts from its leading bit, so that the estimate is never more than one too large.
   int field = static_cast<int>(bits >> 52);
-  int estimate = ((field ? field : -1) - 1023) * 19728 >> 16;
+  if (!field)
+    field = 12 - __builtin_clzll(bits);
+  int estimate = (field - 1023) * 19728 >> 16;
   if (fixed && n > kMaxFixedPlaces) {
     fixed = 0;
     n = kMaxDigits;
