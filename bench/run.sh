@@ -144,3 +144,19 @@ uldivmod __aeabi_uldivmod~(random~bit~lengths) <=100
 ROWS
 
 fp_table
+
+# Formatted output: guest instructions per snprintf into a 64-byte buffer.
+echo
+printf '%-40s %10s %8s\n' "per snprintf (guest instructions)" "kvlibc" "goal"
+while read -r op label goal; do
+  ours=$(per_call "$bench/bench_printf" "$op")
+  printf '%-40s %10.1f %8s\n' "${label//\~/ }" "$ours" "$goal"
+done <<'ROWS'
+d %d~123456789 <=275
+x %x~0xdeadbeef <=200
+s %s~of~20~characters <=200
+g17 %.17g~random~doubles <=2400
+f %f~1234.5678 <=2400
+e %e~6.02214076e23 <=2400
+g %g~0.1 <=2400
+ROWS

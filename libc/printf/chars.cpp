@@ -1,0 +1,42 @@
+// %c and %s as bytes; with a wide hook they are handed over instead.
+#include "printf/state.h"
+
+using namespace kv::printf;
+
+extern "C" __attribute__((weak)) void _printf_mbtowc(_printf_state *state, const char *text, int length);
+
+namespace {
+
+void emit_chars(_printf_state *state, const char *text, int32_t length) {
+  if (state->wide_hook && _printf_mbtowc) {
+    _printf_mbtowc(state, text, length);
+    return;
+  }
+  state->count += length;
+  state->width -= length;
+  pre_padding(state);
+  for (int32_t i = 0; i < length; ++i)
+    put(state, static_cast<unsigned char>(text[i]));
+  post_padding(state);
+}
+
+} // namespace
+
+KV_PRINTF_HANDLER(_printf_char) {
+  state->digits[0] = static_cast<char>(args[0]);
+  state->digits[1] = 0;
+  emit_chars(state, state->digits, 1);
+  return 1;
+}
+
+KV_PRINTF_HANDLER(_printf_string) {
+  const char *text = reinterpret_cast<const char *>(static_cast<uintptr_t>(args[0]));
+  if (!text)
+    text = "(null)";
+  int32_t limit = (state->flags & PF_PRECISION) ? state->precision : 0x7FFFFFFF;
+  int32_t length = 0;
+  while (length < limit && text[length])
+    ++length;
+  emit_chars(state, text, length);
+  return 1;
+}

@@ -1,0 +1,106 @@
+// %e, %f and %g: at most 17 significant digits from _printf_fp_digits, '0' beyond them, the
+// current locale's decimal point.
+#include "locale/locale_access.h"
+#include "printf/state.h"
+
+using namespace kv::printf;
+
+KV_PRINTF_HANDLER(_printf_fp_dec_real) {
+  uint64_t bits = double_word(args);
+  uint32_t flags = state->flags;
+  char sign = fp_sign(flags, bits);
+  double magnitude = __builtin_bit_cast(double, bits & ~(1ull << 63));
+  int cls = _fp_classify(magnitude);
+  if (cls == fp_infinite || cls == fp_nan) {
+    _printf_fp_infnan(state, letter, cls, sign);
+    return 2;
+  }
+  bool alt = flags & PF_ALT;
+  int32_t precision = (flags & PF_PRECISION) ? state->precision : 6;
+  char digits[32];
+  _fp_digits_result r;
+  int32_t length;       // digit positions printed
+  int32_t lead = 0;     // positions printed as '0' before the first digit
+  int32_t point_after;  // positions before the decimal point
+  bool exponent_form = false;
+  if (letter == 'e') {
+    _printf_fp_digits(&r, digits, magnitude, precision + 1 < 17 ? precision + 1 : 17, 0);
+    length = precision + 1;
+    point_after = 1;
+    exponent_form = true;
+  } else if (letter == 'f') {
+    _printf_fp_digits(&r, digits, magnitude, precision, 1);
+    length = r.fixed ? r.count : r.exponent + precision + 1;
+    if (length <= precision) {
+      lead = precision + 1 - length;
+      length = precision + 1;
+    }
+    point_after = length - precision;
+  } else {
+    if (precision < 1)
+      precision = 1;
+    _printf_fp_digits(&r, digits, magnitude, precision < 17 ? precision : 17, 0);
+    length = precision;
+    if (!alt) {
+      if (r.count < length)
+        length = r.count;
+      while (length > 1 && digits[length - 1] == '0')
+        --length;
+    }
+    if (r.exponent >= precision || r.exponent < -4) {
+      exponent_form = true;
+      point_after = 1;
+    } else if (r.exponent <= 0) {
+      lead = -r.exponent;
+      length += lead;
+      point_after = 1;
+    } else {
+      if (length < r.exponent + 1)
+        length = r.exponent + 1;
+      point_after = r.exponent + 1;
+    }
+  }
+  bool point = alt || point_after < length;
+
+  char exp_text[8];
+  int exp_len = 0;
+  if (exponent_form) {
+    int32_t e = r.exponent;
+    uint32_t m = e < 0 ? -e : e;
+    char reversed[6];
+    int n = 0;
+    do {
+      reversed[n++] = static_cast<char>('0' + m % 10);
+      m /= 10;
+    } while (m);
+    if (n < 2)
+      reversed[n++] = '0';
+    exp_text[exp_len++] = (flags & PF_UPPER) ? 'E' : 'e';
+    exp_text[exp_len++] = e < 0 ? '-' : '+';
+    while (n)
+      exp_text[exp_len++] = reversed[--n];
+  }
+
+  int32_t total = (sign != 0) + length + point + exp_len;
+  state->width -= total;
+  state->count += total;
+  if (!(flags & PF_ZERO))
+    pre_padding(state);
+  if (sign)
+    put(state, sign);
+  if (flags & PF_ZERO)
+    pre_padding(state);
+  char decimal_point = kv::locale::decimal_point();
+  for (int32_t i = 0; i < length; ++i) {
+    if (i == point_after)
+      put(state, decimal_point);
+    int32_t j = i - lead;
+    put(state, j >= 0 && j < r.count ? digits[j] : '0');
+  }
+  if (point && point_after >= length)
+    put(state, decimal_point);
+  for (int i = 0; i < exp_len; ++i)
+    put(state, exp_text[i]);
+  post_padding(state);
+  return 2;
+}
