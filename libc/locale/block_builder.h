@@ -71,16 +71,16 @@ template <size_t N> struct Block {
   alignas(4) unsigned char bytes[N];
 };
 
-template <typename Spec> constexpr size_t block_size(const Spec &spec) {
+template <typename Content> constexpr size_t block_size(const Content &content) {
   BlockWriter w(nullptr);
-  write_block(w, spec);
+  write_block(w, content);
   return w.position();
 }
 
-template <size_t N, typename Spec> constexpr Block<N> build_block(const Spec &spec) {
+template <size_t N, typename Content> constexpr Block<N> build_block(const Content &content) {
   Block<N> b{};
   BlockWriter w(b.bytes);
-  write_block(w, spec);
+  write_block(w, content);
   return b;
 }
 

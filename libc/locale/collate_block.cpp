@@ -6,20 +6,20 @@ namespace kv::locale {
 
 namespace {
 
-struct CollateSpec {
+struct CollateContent {
   const char *name;
 };
 
-constexpr void write_block(BlockWriter &w, const CollateSpec &spec) {
-  w.begin(spec.name);
+constexpr void write_block(BlockWriter &w, const CollateContent &content) {
+  w.begin(content.name);
   for (unsigned c = 0; c < 256; ++c)
     w.byte(c);
   w.end();
 }
 
-constexpr CollateSpec latin1_spec = {"ISO8859-1"};
-constexpr size_t latin1_size = block_size(latin1_spec);
-constinit const Block<latin1_size> latin1_block = build_block<latin1_size>(latin1_spec);
+constexpr CollateContent latin1_content = {"ISO8859-1"};
+constexpr size_t latin1_size = block_size(latin1_content);
+constinit const Block<latin1_size> latin1_block = build_block<latin1_size>(latin1_content);
 
 } // namespace
 

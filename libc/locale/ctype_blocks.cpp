@@ -40,7 +40,7 @@ constexpr ClassRange latin1_ranges[] = {
     {0xf8, 0xff, class_lower},
 };
 
-struct CtypeSpec {
+struct CtypeContent {
   const char *name;
   bool latin1;
 };
@@ -51,22 +51,22 @@ constexpr void fill(unsigned char *classes, const ClassRange *r, const ClassRang
       classes[c] = r->classes;
 }
 
-constexpr void write_block(BlockWriter &w, const CtypeSpec &spec) {
+constexpr void write_block(BlockWriter &w, const CtypeContent &content) {
   unsigned char classes[256] = {};
   fill(classes, c_ranges, c_ranges + sizeof c_ranges / sizeof c_ranges[0]);
-  if (spec.latin1)
+  if (content.latin1)
     fill(classes, latin1_ranges, latin1_ranges + sizeof latin1_ranges / sizeof latin1_ranges[0]);
-  w.begin(spec.name);
+  w.begin(content.name);
   w.byte(0); // end of file has no class
   for (unsigned char k : classes)
     w.byte(k);
   w.end();
 }
 
-constexpr CtypeSpec c_spec = {"C", false};
-constexpr CtypeSpec latin1_spec = {"ISO8859-1", true};
-constexpr size_t c_size = block_size(c_spec);
-constexpr size_t latin1_size = block_size(latin1_spec);
+constexpr CtypeContent c_content = {"C", false};
+constexpr CtypeContent latin1_content = {"ISO8859-1", true};
+constexpr size_t c_size = block_size(c_content);
+constexpr size_t latin1_size = block_size(latin1_content);
 
 // __ctype names the class byte of character 0 inside the "C" block.
 static_assert(header_size("C") + 1 == 13);
@@ -78,8 +78,8 @@ asm(".globl __ctype\n"
 } // namespace
 
 extern const Block<c_size> ctype_c_block asm("__kv_ctype_c_block");
-constinit const Block<c_size> ctype_c_block = build_block<c_size>(c_spec);
-constinit const Block<latin1_size> ctype_latin1_block = build_block<latin1_size>(latin1_spec);
+constinit const Block<c_size> ctype_c_block = build_block<c_size>(c_content);
+constinit const Block<latin1_size> ctype_latin1_block = build_block<latin1_size>(latin1_content);
 
 const unsigned char *const ctype_c = ctype_c_block.bytes + header_size("C");
 const unsigned char *const ctype_iso8859_1 = ctype_latin1_block.bytes + header_size("ISO8859-1");

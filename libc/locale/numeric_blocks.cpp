@@ -6,29 +6,29 @@ namespace kv::locale {
 
 namespace {
 
-struct NumericSpec {
+struct NumericContent {
   const char *name;
   const char *texts[3]; // in the order of the data's offsets
 };
 
-constexpr void write_block(BlockWriter &w, const NumericSpec &spec) {
-  w.begin(spec.name);
+constexpr void write_block(BlockWriter &w, const NumericContent &content) {
+  w.begin(content.name);
   size_t offsets = w.position();
   for (int i = 0; i < 3; ++i)
     w.word(0);
   for (int i = 0; i < 3; ++i) {
     w.patch_word(offsets + 4 * i, w.data_offset());
-    w.text(spec.texts[i]);
+    w.text(content.texts[i]);
   }
   w.end();
 }
 
-constexpr NumericSpec c_spec = {"C", {".", "", ""}};
-constexpr NumericSpec latin1_spec = {"ISO8859-1", {".", ",", "\3"}};
-constexpr size_t c_size = block_size(c_spec);
-constexpr size_t latin1_size = block_size(latin1_spec);
-constinit const Block<c_size> c_block = build_block<c_size>(c_spec);
-constinit const Block<latin1_size> latin1_block = build_block<latin1_size>(latin1_spec);
+constexpr NumericContent c_content = {"C", {".", "", ""}};
+constexpr NumericContent latin1_content = {"ISO8859-1", {".", ",", "\3"}};
+constexpr size_t c_size = block_size(c_content);
+constexpr size_t latin1_size = block_size(latin1_content);
+constinit const Block<c_size> c_block = build_block<c_size>(c_content);
+constinit const Block<latin1_size> latin1_block = build_block<latin1_size>(latin1_content);
 
 } // namespace
 

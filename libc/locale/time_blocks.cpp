@@ -11,7 +11,7 @@ struct NameList {
   unsigned count, stride;
 };
 
-struct TimeSpec {
+struct TimeContent {
   const char *name;
   NameList lists[4]; // abbreviated days, days, abbreviated months, months
   const char *texts[6]; // morning, afternoon, date and time, date, time, 12-hour time
@@ -21,13 +21,13 @@ struct TimeSpec {
 constexpr unsigned text_words[6] = {time_am,     time_pm,    time_d_t_fmt,
                                     time_d_fmt, time_t_fmt, time_t_fmt_ampm};
 
-constexpr void write_block(BlockWriter &w, const TimeSpec &spec) {
-  w.begin(spec.name);
+constexpr void write_block(BlockWriter &w, const TimeContent &content) {
+  w.begin(content.name);
   size_t words = w.position();
   for (int i = 0; i < 14; ++i)
     w.word(0);
   for (unsigned k = 0; k < 4; ++k) {
-    const NameList &l = spec.lists[k];
+    const NameList &l = content.lists[k];
     w.patch_word(words + 4 * (time_abday + k), w.data_offset());
     w.patch_word(words + 4 * (time_abday_stride + k), l.stride);
     for (unsigned i = 0; i < l.count; ++i)
@@ -35,7 +35,7 @@ constexpr void write_block(BlockWriter &w, const TimeSpec &spec) {
   }
   for (unsigned i = 0; i < 6; ++i) {
     w.patch_word(words + 4 * text_words[i], w.data_offset());
-    w.text(spec.texts[i]);
+    w.text(content.texts[i]);
   }
   w.end();
 }
@@ -58,19 +58,19 @@ constexpr const char *fi_mon[] = {"Tammikuu", "Helmikuu", "Maaliskuu",  "Huhtiku
                                   "Toukokuu", "Kes\xe4kuu", "Hein\xe4kuu", "Elokuu",
                                   "Syyskuu",  "Lokakuu",  "Marraskuu",  "Joulukuu"};
 
-constexpr TimeSpec c_spec = {
+constexpr TimeContent c_content = {
     "C",
     {{c_abday, 7, 4}, {c_day, 7, 10}, {c_abmon, 12, 4}, {c_mon, 12, 10}},
     {"AM", "PM", "%a %b %e %H:%M:%S %Y", "%m/%d/%y", "%H:%M:%S", "%I:%M:%S %p"}};
-constexpr TimeSpec fi_spec = {
+constexpr TimeContent fi_content = {
     "FI",
     {{fi_abday, 7, 4}, {fi_day, 7, 12}, {fi_abmon, 12, 7}, {fi_mon, 12, 10}},
     {"AM", "PM", "%a %e. %Bta %Y %H:%M:%S", "%d.%m.%Y", "%H:%M:%S", "%I:%M:%S %p"}};
 
-constexpr size_t c_size = block_size(c_spec);
-constexpr size_t fi_size = block_size(fi_spec);
-constinit const Block<c_size> c_block = build_block<c_size>(c_spec);
-constinit const Block<fi_size> fi_block = build_block<fi_size>(fi_spec);
+constexpr size_t c_size = block_size(c_content);
+constexpr size_t fi_size = block_size(fi_content);
+constinit const Block<c_size> c_block = build_block<c_size>(c_content);
+constinit const Block<fi_size> fi_block = build_block<fi_size>(fi_content);
 
 } // namespace
 
