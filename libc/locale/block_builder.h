@@ -16,7 +16,6 @@ public:
   constexpr explicit BlockWriter(unsigned char *out) : out_(out) {}
 
   constexpr size_t position() const { return pos_; }
-  constexpr size_t data_start() const { return data_; }
   // Offset of the next byte from the data start, as string fields record it.
   constexpr uint32_t data_offset() const { return static_cast<uint32_t>(pos_ - data_); }
 

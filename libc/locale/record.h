@@ -26,8 +26,11 @@ void init_record();
 // The current class table, indexed by character -1 to 255.
 inline const unsigned char *class_table() { return record[slot_ctype]; }
 
+// Blocks are byte images; their words are read through an aliasing type.
+using block_word = uint32_t __attribute__((may_alias));
+
 inline uint32_t data_word(const unsigned char *data, unsigned index) {
-  return reinterpret_cast<const uint32_t *>(data)[index];
+  return reinterpret_cast<const block_word *>(data)[index];
 }
 
 inline const char *data_text(const unsigned char *data, uint32_t offset) {

@@ -57,26 +57,6 @@ TEST(Blocks, CollateIsIdentity) {
     EXPECT_EQ(collate_iso8859_1[c], c);
 }
 
-TEST(Blocks, NumericAndMonetaryData) {
-  const char *numeric[2][3] = {{".", "", ""}, {".", ",", "\3"}};
-  const unsigned char *numeric_blocks[2] = {numeric_c, numeric_iso8859_1};
-  for (int b = 0; b < 2; ++b)
-    for (int w = 0; w < 3; ++w)
-      EXPECT_STREQ(text_at(numeric_blocks[b], w), numeric[b][w]);
-
-  const unsigned char fields[2][8] = {{255, 255, 255, 255, 255, 255, 255, 255},
-                                      {2, 2, 1, 0, 1, 0, 1, 2}};
-  const char *strings[2][7] = {{"", "", "", "", "", "", ""},
-                               {"STG ", "\xa3", ".", ",", "\3", "", "-"}};
-  const unsigned char *monetary_blocks[2] = {monetary_c, monetary_iso8859_1};
-  for (int b = 0; b < 2; ++b) {
-    for (int i = 0; i < 8; ++i)
-      EXPECT_EQ(monetary_blocks[b][i], fields[b][i]);
-    for (int w = 0; w < 7; ++w)
-      EXPECT_STREQ(text_at(monetary_blocks[b], 2 + w), strings[b][w]);
-  }
-}
-
 namespace {
 
 struct TimeLayout {

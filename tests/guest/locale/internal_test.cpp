@@ -56,19 +56,6 @@ TEST(Internal, OutOfRangeCharacters) {
   start_initial();
 }
 
-TEST(Internal, LocaleconvFollowsTheSlots) {
-  start_initial();
-  lconv *l = localeconv();
-  EXPECT_STREQ(l->thousands_sep, "");
-  EXPECT_EQ(l->frac_digits, '\xff');
-  setlocale(LC_NUMERIC | LC_MONETARY, "ISO8859-1");
-  EXPECT_EQ(localeconv(), l); // one static record
-  EXPECT_STREQ(l->thousands_sep, ",");
-  EXPECT_STREQ(l->currency_symbol, "\xa3");
-  EXPECT_EQ(l->n_sign_posn, 2);
-  start_initial();
-}
-
 // The empty name sets each category of the mask to its native locale, then answers the query.
 TEST(Internal, NativeLocale) {
   struct Case {
