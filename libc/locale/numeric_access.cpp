@@ -1,3 +1,4 @@
+// The decimal point the formatting engines use: the first character of the numeric block's text.
 #include "locale/blocks.h"
 #include "locale/locale_access.h"
 #include "locale/record.h"
