@@ -6,6 +6,7 @@
 #include "bridge/debug_log.h"
 #include "bridge/errno_cells.h"
 #include "bridge/version.h"
+#include "locale/record.h"
 
 extern "C" char **environ;
 
@@ -28,6 +29,7 @@ void copy_environment() {
 
 __attribute__((constructor)) void library_init() {
   debug_log("KV: (248) ***** <libc.so based on %s> *****\n", version_text());
+  locale::init_record();
   // Clearing the cells performs both address handshakes before anything can fail.
   *___aeabi_errno_addr() = 0;
   *___h_errno_addr() = 0;

@@ -41,8 +41,12 @@ for f in __user_libspace __user_perproc_libspace __user_perthread_libspace; do
 done
 expect __libspace_start GLOBAL OBJECT
 expect environ GLOBAL OBJECT
+expect __ctype GLOBAL OBJECT
+expect __lcnull_start GLOBAL OBJECT
+for f in __rt_ctype_table _setlocale_r _get_lconv nl_langinfo; do expect "$f" GLOBAL FUNC; done
 for f in printf fprintf sprintf malloc free calloc realloc strlen strcmp strcpy memcpy memset \
-         memmove memcmp fopen fclose puts putchar exit __kv_trap debug_log; do
+         memmove memcmp fopen fclose puts putchar exit __kv_trap debug_log setlocale localeconv \
+         isalpha isdigit isspace toupper tolower; do
   absent "$f"
 done
 # Nothing undefined but the optional weak hooks.

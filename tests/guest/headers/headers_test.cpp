@@ -9,6 +9,9 @@
 #include <sys/socket.h>
 
 extern "C" unsigned headers_c_fd_bits(int a, int b, int cleared);
+extern "C" unsigned headers_c_locale(void);
+
+TEST(Headers, LocaleHeadersInC) { EXPECT_EQ(headers_c_locale(), 255u); }
 
 TEST(Headers, DescriptorSetMacrosInCAndCxx) {
   const struct {
