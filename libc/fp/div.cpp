@@ -85,9 +85,18 @@ KV_FUNCTION(protected, double, _drdiv, (double a, double b)) {
 KV_ALIAS(protected, double, __aeabi_ddiv, (double, double), _ddiv);
 KV_ALIAS(protected, double, __aeabi_drdiv, (double, double), _drdiv);
 
+// The exported _fdiv is in float_fast.S; this is its path for everything else.
+extern "C" __attribute__((visibility("hidden"))) uint32_t __kv_fp_fdiv(uint32_t a, uint32_t b) {
+  return kv::fp::fdiv(a, b);
+}
+#ifndef __arm__
+// Hosts without the assembly (the native tests) export the portable body itself.
 KV_FP_BINARY(_fdiv, float, kv::fp::fdiv)
+#endif
 KV_FUNCTION(protected, float, _frdiv, (float a, float b)) {
   return kv::fp::as_float(kv::fp::fdiv(kv::fp::bits(b), kv::fp::bits(a)));
 }
+#ifndef __arm__
 KV_ALIAS(protected, float, __aeabi_fdiv, (float, float), _fdiv);
+#endif
 KV_ALIAS(protected, float, __aeabi_frdiv, (float, float), _frdiv);

@@ -31,6 +31,14 @@ int _dleq(double, double);
 int _dgr(double, double);
 int _dgeq(double, double);
 int _deq(double, double);
+float __aeabi_fadd(float, float);
+float __aeabi_fsub(float, float);
+float __aeabi_fmul(float, float);
+float __aeabi_fdiv(float, float);
+float _fadd(float, float);
+float _fsub(float, float);
+float _fmul(float, float);
+float _fdiv(float, float);
 }
 
 namespace {
@@ -169,6 +177,128 @@ TEST(FpFastPaths, DoubleCancellation) {
       continue; // carried through the sign
     wrong += check(doubles[1], a, b);
     wrong += check(doubles[0], a, b ^ 1ull << 63);
+  }
+  EXPECT_EQ(wrong, 0);
+}
+
+// Floats as the doubles above: significands random, all ones, zero or short (ties, exact
+// results); exponents anywhere, at the ends, or close to the other operand's.
+uint32_t float_operand(uint32_t near) {
+  uint64_t r = rnd();
+  uint32_t f;
+  switch (r & 7) {
+  case 0:
+    f = 0x7fffff;
+    break;
+  case 1:
+    f = 0;
+    break;
+  case 2:
+  case 3:
+    f = (static_cast<uint32_t>(rnd()) & 0x7fffff) >> (r >> 8) % 23 << (r >> 8) % 23;
+    break;
+  default:
+    f = static_cast<uint32_t>(rnd()) & 0x7fffff;
+  }
+  uint32_t e;
+  switch (r >> 4 & 15) {
+  case 0:
+    e = 0;
+    break;
+  case 1:
+    e = 0xff;
+    break;
+  case 2:
+    e = 1 + (r >> 16) % 3;
+    break;
+  case 3:
+    e = 0xfc + (r >> 16) % 3;
+    break;
+  case 4:
+    e = (r >> 16) % 0x100;
+    break;
+  default: {
+    int32_t v = static_cast<int32_t>(near) + static_cast<int32_t>((r >> 16) % 63) - 31;
+    e = v < 0 ? 0 : v > 0xff ? 0xff : static_cast<uint32_t>(v);
+  }
+  }
+  return static_cast<uint32_t>(r >> 40 & 1) << 31 | e << 23 | f;
+}
+
+struct FloatBinary {
+  const char *name;
+  float (*fast)(float, float);
+  uint32_t (*body)(uint32_t, uint32_t);
+};
+
+const FloatBinary floats[] = {
+    {"__aeabi_fadd", __aeabi_fadd, kv::fp::fadd}, {"__aeabi_fsub", __aeabi_fsub, kv::fp::fsub},
+    {"_fadd", _fadd, kv::fp::fadd},               {"_fsub", _fsub, kv::fp::fsub},
+    {"__aeabi_fmul", __aeabi_fmul, kv::fp::fmul}, {"_fmul", _fmul, kv::fp::fmul},
+    {"__aeabi_fdiv", __aeabi_fdiv, kv::fp::fdiv}, {"_fdiv", _fdiv, kv::fp::fdiv},
+};
+
+int check(const FloatBinary &op, uint32_t a, uint32_t b) {
+  uint32_t got = __builtin_bit_cast(uint32_t, op.fast(__builtin_bit_cast(float, a),
+                                                       __builtin_bit_cast(float, b)));
+  uint32_t want = op.body(a, b);
+  if (got == want)
+    return 0;
+  static int shown = 0;
+  if (shown++ < 10) {
+    kvtest::out(op.name);
+    kvtest::out(" ");
+    kvtest::out_hex(a);
+    kvtest::out(" ");
+    kvtest::out_hex(b);
+    kvtest::out(" gives ");
+    kvtest::out_hex(got);
+    kvtest::out(", want ");
+    kvtest::out_hex(want);
+    kvtest::out("\n");
+  }
+  return 1;
+}
+
+TEST(FpFastPaths, FloatEdges) {
+  const uint32_t edges[] = {0,          1,          0x7fffff,   0x800000,   0x1000000,
+                            0x3f800000, 0x3f800001, 0x3f7fffff, 0x33800000 /* 2^-24 */,
+                            0x34000000, 0x7f7fffff, 0x7f000000, 0x7e800000, 0x7f800000,
+                            0x7fc00000, 0x7f800001, 0x00ffffff, 0x01000000, 0x1f800000,
+                            0x5f800000, 0x3fffffff, 0x3fc00000, 0x3f000000, 0x00800001};
+  int wrong = 0;
+  for (const FloatBinary &op : floats)
+    for (uint32_t a : edges)
+      for (uint32_t b : edges)
+        for (uint32_t s = 0; s < 4; ++s)
+          wrong += check(op, a ^ (s & 1) << 31, b ^ (s >> 1) << 31);
+  EXPECT_EQ(wrong, 0);
+}
+
+TEST(FpFastPaths, FloatRandom) {
+  int wrong = 0;
+  for (int i = 0; i < 60000; ++i) {
+    uint32_t a = float_operand(1 + static_cast<uint32_t>(rnd() % 0xfe));
+    uint32_t b = float_operand(a >> 23 & 0xff);
+    for (const FloatBinary &op : floats)
+      wrong += check(op, a, b);
+    // Results near the ends of the range: exponent sums and differences about the bias.
+    uint32_t e = static_cast<uint32_t>(rnd() % 0xff);
+    uint32_t c = (a & ~(0xffu << 23)) | e << 23;
+    uint32_t k = static_cast<uint32_t>(rnd());
+    uint32_t dm = (b & ~(0xffu << 23)) | ((0x7e + (k & 3) * 0x7f - e + (k >> 2) % 8) & 0xff) << 23;
+    uint32_t dd = (b & ~(0xffu << 23)) | ((e + 0x7f * (k >> 5 & 1) - 0x7f * (k >> 6 & 1) +
+                                           (k >> 7) % 8 - 4) & 0xff) << 23;
+    wrong += check(floats[4], c, dm);
+    wrong += check(floats[6], c, dd);
+    // Near-cancellation: b within a few units of a (or of its half or double).
+    uint32_t n = a + static_cast<uint32_t>(rnd() % 9) - 4;
+    if (i & 1)
+      n += (rnd() & 1 ? 1u : 0u - 1) << 23;
+    if (((a ^ n) >> 31) == 0) {
+      wrong += check(floats[1], a, n);
+      wrong += check(floats[0], a, n ^ 1u << 31);
+    }
   }
   EXPECT_EQ(wrong, 0);
 }
