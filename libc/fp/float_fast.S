@@ -182,19 +182,18 @@ entry _fdiv
 	add	r12, r12, #125
 	cmp	r12, #0xfd
 	bhs	.Lslow_div
-	push	{r4, r5}
+	push	{r4, r5, lr}
 	eor	r2, r0, r1
 	and	r2, r2, #0x80000000
 	add	r2, r2, r12, lsl #23
-	add	r2, r2, #0x800000	@ for a quotient of at least 1
 	lsl	r1, r1, #8
 	orr	r1, r1, #0x80000000	@ b's significand at bit 31
 	ubfx	r0, r0, #0, #23
 	orr	r0, r0, #0x800000	@ a's at bit 23
 	cmp	r0, r1, lsr #8
-	itt	lo
+	ite	lo
 	lsllo	r0, r0, #1
-	sublo	r2, r2, #0x800000
+	addhs	r2, r2, #0x800000	@ a quotient of at least 1
 	@ r ~ 2^63 / b, from below.
 	ldr	r3, .Lseed
 	ubfx	r12, r1, #23, #8
@@ -217,22 +216,21 @@ entry _fdiv
 	orr	r5, r5, r4, lsr #31
 	lsr	r1, r1, #8
 	lsl	r0, r0, #24
-	mls	r0, r5, r1, r0
-	cmp	r0, r1
+	mls	r12, r5, r1, r0
+	cmp	r12, r1
 	itt	hs
 	addhs	r5, r5, #1
-	subhs	r0, r0, r1
+	subhs	r12, r12, r1
 	@ The last bit of q is the guard bit, a non-zero remainder the sticky one.
-	add	r12, r2, r5, lsr #1
+	add	r0, r2, r5, lsr #1
 	lsrs	r5, r5, #1
-	bcc	1f
-	adds	r12, r12, #1
-	cmp	r0, #0
+	it	cc
+	popcc	{r4, r5, pc}
+	adds	r0, r0, #1
+	cmp	r12, #0
 	it	eq
-	biceq	r12, r12, #1
-1:	mov	r0, r12
-	pop	{r4, r5}
-	bx	lr
+	biceq	r0, r0, #1
+	pop	{r4, r5, pc}
 .Lslow_div:
 	b	__kv_fp_fdiv
 	.p2align 2
