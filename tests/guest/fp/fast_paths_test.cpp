@@ -39,6 +39,16 @@ float _fadd(float, float);
 float _fsub(float, float);
 float _fmul(float, float);
 float _fdiv(float, float);
+int __aeabi_fcmplt(float, float);
+int __aeabi_fcmple(float, float);
+int __aeabi_fcmpgt(float, float);
+int __aeabi_fcmpge(float, float);
+int __aeabi_fcmpeq(float, float);
+int _fls(float, float);
+int _fleq(float, float);
+int _fgr(float, float);
+int _fgeq(float, float);
+int _feq(float, float);
 }
 
 namespace {
@@ -398,6 +408,50 @@ TEST(FpFastPaths, Relations) {
     uint32_t flags = kv::fp::dcmp(a, b);
     for (const Relation &r : relations)
       wrong += report(r.name, a ^ b, r.fn(dbl(a), dbl(b)), static_cast<int>(r.want(flags)));
+  }
+  EXPECT_EQ(wrong, 0);
+}
+
+TEST(FpFastPaths, FloatRelations) {
+  using kv::fp::kEqual, kv::fp::kGreater, kv::fp::kLess;
+  struct Relation {
+    const char *name;
+    int (*fn)(float, float);
+    bool (*want)(uint32_t);
+  };
+  const Relation relations[] = {
+      {"__aeabi_fcmplt", __aeabi_fcmplt, [](uint32_t f) { return f == kLess; }},
+      {"_fls", _fls, [](uint32_t f) { return f == kLess; }},
+      {"__aeabi_fcmple", __aeabi_fcmple, [](uint32_t f) { return f == kLess || f == kEqual; }},
+      {"_fleq", _fleq, [](uint32_t f) { return f == kLess || f == kEqual; }},
+      {"__aeabi_fcmpgt", __aeabi_fcmpgt, [](uint32_t f) { return f == kGreater; }},
+      {"_fgr", _fgr, [](uint32_t f) { return f == kGreater; }},
+      {"__aeabi_fcmpge", __aeabi_fcmpge, [](uint32_t f) { return f == kGreater || f == kEqual; }},
+      {"_fgeq", _fgeq, [](uint32_t f) { return f == kGreater || f == kEqual; }},
+      {"__aeabi_fcmpeq", __aeabi_fcmpeq, [](uint32_t f) { return f == kEqual; }},
+      {"_feq", _feq, [](uint32_t f) { return f == kEqual; }},
+  };
+  int wrong = 0;
+  for (int i = 0; i < 20000; ++i) {
+    uint32_t a = float_operand(1 + static_cast<uint32_t>(rnd() % 0xfe)), b;
+    switch (i & 3) {
+    case 0:
+      b = a;
+      break;
+    case 1:
+      b = a + (rnd() & 1 ? 1 : 0u - 1);
+      break;
+    case 2:
+      b = a ^ 1u << 31;
+      break;
+    default:
+      b = float_operand(a >> 23 & 0xff);
+    }
+    uint32_t flags = kv::fp::fcmp(a, b);
+    for (const Relation &r : relations)
+      wrong += report(r.name, static_cast<uint64_t>(a) << 32 | b,
+                      r.fn(__builtin_bit_cast(float, a), __builtin_bit_cast(float, b)),
+                      static_cast<int>(r.want(flags)));
   }
   EXPECT_EQ(wrong, 0);
 }
