@@ -49,6 +49,15 @@ int _fleq(float, float);
 int _fgr(float, float);
 int _fgeq(float, float);
 int _feq(float, float);
+void __aeabi_cdcmple(void);
+void __aeabi_cdcmpeq(void);
+void __aeabi_cdrcmple(void);
+void __aeabi_cfcmple(void);
+void __aeabi_cfcmpeq(void);
+void __aeabi_cfrcmple(void);
+void _dcmp4(void);
+void _fcmp4(void);
+uint32_t call_flags(void (*fn)(void), uint32_t a0, uint32_t a1, uint32_t a2, uint32_t a3);
 }
 
 namespace {
@@ -452,6 +461,58 @@ TEST(FpFastPaths, FloatRelations) {
       wrong += report(r.name, static_cast<uint64_t>(a) << 32 | b,
                       r.fn(__builtin_bit_cast(float, a), __builtin_bit_cast(float, b)),
                       static_cast<int>(r.want(flags)));
+  }
+  EXPECT_EQ(wrong, 0);
+}
+
+// The flag-returning entries against the four-way comparison, r0-r3 kept (bit 0 of the probe's
+// answer): doubles and floats, equal, adjacent, sign-flipped and random pairs.
+TEST(FpFastPaths, FlagComparisons) {
+  struct Entry {
+    const char *name;
+    void (*fn)(void);
+    bool reversed;
+  };
+  const Entry doubles_flags[] = {{"__aeabi_cdcmple", __aeabi_cdcmple, false},
+                                 {"__aeabi_cdcmpeq", __aeabi_cdcmpeq, false},
+                                 {"_dcmp4", _dcmp4, false},
+                                 {"__aeabi_cdrcmple", __aeabi_cdrcmple, true}};
+  const Entry floats_flags[] = {{"__aeabi_cfcmple", __aeabi_cfcmple, false},
+                                {"__aeabi_cfcmpeq", __aeabi_cfcmpeq, false},
+                                {"_fcmp4", _fcmp4, false},
+                                {"__aeabi_cfrcmple", __aeabi_cfrcmple, true}};
+  int wrong = 0;
+  for (int i = 0; i < 20000; ++i) {
+    uint64_t a = operand(1 + rnd() % 0x7fe), b;
+    uint32_t fa = float_operand(1 + static_cast<uint32_t>(rnd() % 0xfe)), fb;
+    switch (i & 3) {
+    case 0:
+      b = a;
+      fb = fa;
+      break;
+    case 1:
+      b = a + (rnd() & 1 ? 1 : 0ull - 1);
+      fb = fa + (rnd() & 1 ? 1 : 0u - 1);
+      break;
+    case 2:
+      b = a ^ 1ull << 63;
+      fb = fa ^ 1u << 31;
+      break;
+    default:
+      b = operand(a >> 52 & 0x7ff);
+      fb = float_operand(fa >> 23 & 0xff);
+    }
+    for (const Entry &e : doubles_flags) {
+      uint32_t want = e.reversed ? kv::fp::dcmp(b, a) : kv::fp::dcmp(a, b);
+      uint32_t got = call_flags(e.fn, static_cast<uint32_t>(a), static_cast<uint32_t>(a >> 32),
+                                static_cast<uint32_t>(b), static_cast<uint32_t>(b >> 32));
+      wrong += report(e.name, a ^ b, got, want | 1);
+    }
+    for (const Entry &e : floats_flags) {
+      uint32_t want = e.reversed ? kv::fp::fcmp(fb, fa) : kv::fp::fcmp(fa, fb);
+      uint32_t got = call_flags(e.fn, fa, fb, 0x12345678, 0x9abcdef0);
+      wrong += report(e.name, static_cast<uint64_t>(fa) << 32 | fb, got, want | 1);
+    }
   }
   EXPECT_EQ(wrong, 0);
 }
