@@ -16,6 +16,9 @@ void __aeabi_dsub(void);
 void __aeabi_dmul(void);
 void __aeabi_ddiv(void);
 void __aeabi_dcmplt(void);
+void __aeabi_cdcmple(void);
+void __aeabi_fcmplt(void);
+void __aeabi_cfcmple(void);
 void __aeabi_d2iz(void);
 void __aeabi_i2d(void);
 void __aeabi_d2f(void);
@@ -99,6 +102,12 @@ const void *prepare(const char *op) {
     return doubles(-100, 100, true), reinterpret_cast<const void *>(KV_DSQRT);
   if (same(op, "dcmplt"))
     return doubles(-4, 4, false), fn(__aeabi_dcmplt);
+  if (same(op, "cdcmple"))
+    return doubles(-4, 4, false), fn(__aeabi_cdcmple);
+  if (same(op, "fcmplt"))
+    return floats(-4, 4, false), fn(__aeabi_fcmplt);
+  if (same(op, "cfcmple"))
+    return floats(-4, 4, false), fn(__aeabi_cfcmple);
   if (same(op, "d2iz"))
     return doubles(-4, 30, false), fn(__aeabi_d2iz);
   if (same(op, "i2d")) {

@@ -49,6 +49,7 @@ dmul __aeabi_dmul <=45
 ddiv __aeabi_ddiv <=150
 dsqrt _dsqrt~(peer:~libm~sqrt) <=250
 dcmplt __aeabi_dcmplt <=20
+cdcmple __aeabi_cdcmple <=20
 d2iz __aeabi_d2iz <=15
 i2d __aeabi_i2d <=34
 d2f __aeabi_d2f <=14
@@ -56,6 +57,8 @@ f2d __aeabi_f2d <=9
 fadd __aeabi_fadd <=35
 fmul __aeabi_fmul <=30
 fdiv __aeabi_fdiv <=60
+fcmplt __aeabi_fcmplt <=20
+cfcmple __aeabi_cfcmple <=20
 fsqrt _fsqrt~(peer:~libm~sqrtf) -
 ROWS
 }

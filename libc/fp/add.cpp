@@ -84,11 +84,19 @@ KV_FUNCTION(protected, double, _drsb, (double a, double b)) {
 }
 KV_ALIAS(protected, double, __aeabi_drsub, (double, double), _drsb);
 
+// Likewise _fadd/_fsub in float_fast.S.
+extern "C" __attribute__((visibility("hidden"))) uint32_t __kv_fp_fadd(uint32_t a, uint32_t b) {
+  return kv::fp::fadd(a, b);
+}
+#ifndef __arm__
 KV_FP_BINARY(_fadd, float, kv::fp::fadd)
 KV_FP_BINARY(_fsub, float, kv::fp::fsub)
+#endif
 KV_FUNCTION(protected, float, _frsb, (float a, float b)) {
   return kv::fp::as_float(kv::fp::fsub(kv::fp::bits(b), kv::fp::bits(a)));
 }
+#ifndef __arm__
 KV_ALIAS(protected, float, __aeabi_fadd, (float, float), _fadd);
 KV_ALIAS(protected, float, __aeabi_fsub, (float, float), _fsub);
+#endif
 KV_ALIAS(protected, float, __aeabi_frsub, (float, float), _frsb);

@@ -40,8 +40,9 @@ extern "C" uint32_t __kv_fp_fcmp_flags(uint32_t a, uint32_t b) { return kv::fp::
     return test;                                                                                  \
   }
 
-// _deq, _dgr, _dgeq, _dleq, _dls and their EABI names are in compare_fast.S; these are their
-// paths for zeros, subnormals, infinities and NaNs (and the exports where it is not built).
+// _deq, _dgr, _dgeq, _dleq, _dls, their float twins and the EABI names are in compare_fast.S;
+// these are their paths for zeros, subnormals, infinities and NaNs (and the exports where it is
+// not built).
 #ifdef __arm__
 #define KV_FP_FAST_RELATION(name, type, core, test)                                               \
   extern "C" __attribute__((visibility("hidden"))) int __kv_fp##name(type a, type b) {            \
@@ -60,16 +61,18 @@ KV_FP_FAST_RELATION(_dls, double, dcmp, flags == kv::fp::kLess)
 KV_FP_RELATION(_dun, double, dcmp, flags == kv::fp::kUnordered)
 KV_ALIAS(protected, int, __aeabi_dcmpun, (double, double), _dun);
 
-KV_FP_RELATION(_feq, float, fcmp, flags == kv::fp::kEqual)
+KV_FP_FAST_RELATION(_feq, float, fcmp, flags == kv::fp::kEqual)
 KV_FP_RELATION(_fneq, float, fcmp, flags != kv::fp::kEqual)
-KV_FP_RELATION(_fgr, float, fcmp, flags == kv::fp::kGreater)
-KV_FP_RELATION(_fgeq, float, fcmp, flags == kv::fp::kGreater || flags == kv::fp::kEqual)
-KV_FP_RELATION(_fleq, float, fcmp, flags == kv::fp::kLess || flags == kv::fp::kEqual)
-KV_FP_RELATION(_fls, float, fcmp, flags == kv::fp::kLess)
+KV_FP_FAST_RELATION(_fgr, float, fcmp, flags == kv::fp::kGreater)
+KV_FP_FAST_RELATION(_fgeq, float, fcmp, flags == kv::fp::kGreater || flags == kv::fp::kEqual)
+KV_FP_FAST_RELATION(_fleq, float, fcmp, flags == kv::fp::kLess || flags == kv::fp::kEqual)
+KV_FP_FAST_RELATION(_fls, float, fcmp, flags == kv::fp::kLess)
 KV_FP_RELATION(_fun, float, fcmp, flags == kv::fp::kUnordered)
+#ifndef __arm__
 KV_ALIAS(protected, int, __aeabi_fcmpeq, (float, float), _feq);
 KV_ALIAS(protected, int, __aeabi_fcmplt, (float, float), _fls);
 KV_ALIAS(protected, int, __aeabi_fcmple, (float, float), _fleq);
 KV_ALIAS(protected, int, __aeabi_fcmpge, (float, float), _fgeq);
 KV_ALIAS(protected, int, __aeabi_fcmpgt, (float, float), _fgr);
+#endif
 KV_ALIAS(protected, int, __aeabi_fcmpun, (float, float), _fun);

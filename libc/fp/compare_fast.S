@@ -1,4 +1,5 @@
-@ Double relations returning 1 or 0, for operands whose exponent fields are neither 0 nor 0x7ff.
+@ Double and float relations returning 1 or 0, for operands whose exponent fields are neither 0
+@ nor all ones.
 @ Those then order as integers once a negative encoding has its magnitude bits inverted
 @ (-m maps to -1 - m). Zeros, subnormals, infinities and NaNs go to the portable bodies.
 	.syntax unified
@@ -67,5 +68,52 @@ entry _deq
 1:	b	__kv_fp_deq
 	.size __aeabi_dcmpeq, . - __aeabi_dcmpeq
 	.size _deq, . - _deq
+
+	@ Float relations, the same way: exponent field 0 or 0xff goes to the portable body.
+	.macro ordinary_float x, slow
+	lsl	r12, \x, #1
+	add	r12, r12, #0x01000000
+	cmp	r12, #0x02000000
+	blo	\slow
+	.endm
+
+	.macro frelation name, alias, x, y, cond, ncond
+	.p2align 2
+entry \name
+entry \alias
+	ordinary_float r0, 1f
+	ordinary_float r1, 1f
+	asr	r12, r0, #31
+	eor	r0, r0, r12, lsr #1
+	asr	r12, r1, #31
+	eor	r1, r1, r12, lsr #1
+	cmp	\x, \y
+	ite	\cond
+	mov\cond	r0, #1
+	mov\ncond	r0, #0
+	bx	lr
+1:	b	__kv_fp\alias
+	.size \name, . - \name
+	.size \alias, . - \alias
+	.endm
+
+	frelation __aeabi_fcmplt, _fls, r0, r1, lt, ge
+	frelation __aeabi_fcmpgt, _fgr, r1, r0, lt, ge
+	frelation __aeabi_fcmpge, _fgeq, r0, r1, ge, lt
+	frelation __aeabi_fcmple, _fleq, r1, r0, ge, lt
+
+	.p2align 2
+entry __aeabi_fcmpeq
+entry _feq
+	ordinary_float r0, 1f
+	ordinary_float r1, 1f
+	cmp	r0, r1
+	ite	eq
+	moveq	r0, #1
+	movne	r0, #0
+	bx	lr
+1:	b	__kv_fp_feq
+	.size __aeabi_fcmpeq, . - __aeabi_fcmpeq
+	.size _feq, . - _feq
 
 	.section .note.GNU-stack,"",%progbits

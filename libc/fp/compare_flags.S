@@ -1,7 +1,8 @@
 @ Comparisons that answer in the condition flags, as a hardware compare leaves them:
 @ less N; equal Z and C; greater C; unordered C and V. So LO/LS/HI/HS, LT/LE/GT/GE, EQ/NE and VS
-@ all test what they say. Compiled code expects r0-r3 kept, so they are saved around the core,
-@ which returns the flags word.
+@ all test what they say. Compiled code expects r0-r3 kept. Operands whose exponent fields are
+@ neither 0 nor all ones are compared here with r12 alone; the rest go to the portable core,
+@ which returns the flags word, with r0-r3 saved around it.
 	.syntax unified
 	.thumb
 	.text
@@ -12,6 +13,71 @@
 	.type \name, %function
 	.thumb_func
 \name:
+	.endm
+
+	.macro ordinary_double hi, slow
+	lsl	r12, \hi, #1
+	add	r12, r12, #0x200000
+	cmp	r12, #0x400000
+	blo	\slow
+	.endm
+
+	.macro ordinary_float x, slow
+	lsl	r12, \x, #1
+	add	r12, r12, #0x01000000
+	cmp	r12, #0x02000000
+	blo	\slow
+	.endm
+
+	@ Flags from an unsigned comparison of two magnitudes (reversed for negative operands):
+	@ equal ones are already what they should be, less and greater get their own from a
+	@ comparison of r12 = 1 with 2 or 0.
+	.macro settle
+	it	lo
+	cmplo	r12, #2
+	it	hi
+	cmphi	r12, #0
+	bx	lr
+	.endm
+
+	@ Operands of opposite signs: the negative one is the less.
+	.macro by_sign x
+	cmp	\x, #0
+	ite	mi
+	cmpmi	r12, #2
+	cmppl	r12, #0
+	bx	lr
+	.endm
+
+	@ x against y, both ordinary doubles.
+	.macro dflags xlo, xhi, ylo, yhi
+	mov	r12, #1
+	teq	\xhi, \yhi
+	bmi	3f
+	cmp	\xhi, #0
+	bmi	2f
+	cmp	\xhi, \yhi
+	it	eq
+	cmpeq	\xlo, \ylo
+	settle
+2:	cmp	\yhi, \xhi
+	it	eq
+	cmpeq	\ylo, \xlo
+	settle
+3:	by_sign	\xhi
+	.endm
+
+	.macro fflags x, y
+	mov	r12, #1
+	teq	\x, \y
+	bmi	3f
+	cmp	\x, #0
+	bmi	2f
+	cmp	\x, \y
+	settle
+2:	cmp	\y, \x
+	settle
+3:	by_sign	\x
 	.endm
 
 	@ Double operands in r0:r1 and r2:r3.
@@ -28,7 +94,10 @@ entry __ARM_dcmp4
 entry __dcmp4e
 entry _dcmp4e
 entry __ARM_dcmp4e
-	push	{r0, r1, r2, r3, r4, lr}
+	ordinary_double r1, 1f
+	ordinary_double r3, 1f
+	dflags	r0, r1, r2, r3
+1:	push	{r0, r1, r2, r3, r4, lr}
 	bl	__kv_fp_dcmp_flags
 	msr	APSR_nzcvq, r0
 	pop	{r0, r1, r2, r3, r4, pc}
@@ -37,7 +106,10 @@ entry __ARM_dcmp4e
 	.p2align 2
 entry __aeabi_cdrcmple
 entry _drcmple
-	push	{r0, r1, r2, r3, r4, lr}
+	ordinary_double r1, 1f
+	ordinary_double r3, 1f
+	dflags	r2, r3, r0, r1
+1:	push	{r0, r1, r2, r3, r4, lr}
 	mov	r0, r2
 	mov	r1, r3
 	ldrd	r2, r3, [sp]
@@ -59,7 +131,10 @@ entry __ARM_fcmp4
 entry __fcmp4e
 entry _fcmp4e
 entry __ARM_fcmp4e
-	push	{r0, r1, r2, r3, r4, lr}
+	ordinary_float r0, 1f
+	ordinary_float r1, 1f
+	fflags	r0, r1
+1:	push	{r0, r1, r2, r3, r4, lr}
 	bl	__kv_fp_fcmp_flags
 	msr	APSR_nzcvq, r0
 	pop	{r0, r1, r2, r3, r4, pc}
@@ -68,7 +143,10 @@ entry __ARM_fcmp4e
 	.p2align 2
 entry __aeabi_cfrcmple
 entry _frcmple
-	push	{r0, r1, r2, r3, r4, lr}
+	ordinary_float r0, 1f
+	ordinary_float r1, 1f
+	fflags	r1, r0
+1:	push	{r0, r1, r2, r3, r4, lr}
 	mov	r0, r1
 	ldr	r1, [sp]
 	bl	__kv_fp_fcmp_flags

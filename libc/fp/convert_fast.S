@@ -86,10 +86,9 @@ entry _d2f
 	sub	r3, r3, #0x200000
 	cmp	r3, #0x1fc00000
 	bhs	1f
-	lsl	r2, r2, #3
-	orr	r2, r2, r0, lsr #29	@ exponent and 23 fraction bits; the sign shifted out
-	and	r1, r1, #0x80000000
-	orr	r2, r2, r1
+	lsl	r3, r2, #3
+	orr	r3, r3, r0, lsr #29	@ exponent and 23 fraction bits; the sign shifted out
+	bfi	r2, r3, #0, #31		@ under the sign again
 	lsl	r0, r0, #3		@ the bits below, top-aligned
 	cmp	r0, #0x80000000
 	it	eq

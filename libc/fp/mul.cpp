@@ -65,5 +65,11 @@ extern "C" __attribute__((visibility("hidden"))) uint64_t __kv_fp_dmul(uint64_t 
 // Hosts without the assembly (the native tests) export the portable body itself.
 KV_FP_BINARY(_dmul, double, kv::fp::dmul)
 #endif
+// Likewise _fmul in float_fast.S.
+extern "C" __attribute__((visibility("hidden"))) uint32_t __kv_fp_fmul(uint32_t a, uint32_t b) {
+  return kv::fp::fmul(a, b);
+}
+#ifndef __arm__
 KV_FP_BINARY(_fmul, float, kv::fp::fmul)
 KV_ALIAS(protected, float, __aeabi_fmul, (float, float), _fmul);
+#endif

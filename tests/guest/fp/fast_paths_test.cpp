@@ -31,6 +31,33 @@ int _dleq(double, double);
 int _dgr(double, double);
 int _dgeq(double, double);
 int _deq(double, double);
+float __aeabi_fadd(float, float);
+float __aeabi_fsub(float, float);
+float __aeabi_fmul(float, float);
+float __aeabi_fdiv(float, float);
+float _fadd(float, float);
+float _fsub(float, float);
+float _fmul(float, float);
+float _fdiv(float, float);
+int __aeabi_fcmplt(float, float);
+int __aeabi_fcmple(float, float);
+int __aeabi_fcmpgt(float, float);
+int __aeabi_fcmpge(float, float);
+int __aeabi_fcmpeq(float, float);
+int _fls(float, float);
+int _fleq(float, float);
+int _fgr(float, float);
+int _fgeq(float, float);
+int _feq(float, float);
+void __aeabi_cdcmple(void);
+void __aeabi_cdcmpeq(void);
+void __aeabi_cdrcmple(void);
+void __aeabi_cfcmple(void);
+void __aeabi_cfcmpeq(void);
+void __aeabi_cfrcmple(void);
+void _dcmp4(void);
+void _fcmp4(void);
+uint32_t call_flags(void (*fn)(void), uint32_t a0, uint32_t a1, uint32_t a2, uint32_t a3);
 }
 
 namespace {
@@ -173,6 +200,128 @@ TEST(FpFastPaths, DoubleCancellation) {
   EXPECT_EQ(wrong, 0);
 }
 
+// Floats as the doubles above: significands random, all ones, zero or short (ties, exact
+// results); exponents anywhere, at the ends, or close to the other operand's.
+uint32_t float_operand(uint32_t near) {
+  uint64_t r = rnd();
+  uint32_t f;
+  switch (r & 7) {
+  case 0:
+    f = 0x7fffff;
+    break;
+  case 1:
+    f = 0;
+    break;
+  case 2:
+  case 3:
+    f = (static_cast<uint32_t>(rnd()) & 0x7fffff) >> (r >> 8) % 23 << (r >> 8) % 23;
+    break;
+  default:
+    f = static_cast<uint32_t>(rnd()) & 0x7fffff;
+  }
+  uint32_t e;
+  switch (r >> 4 & 15) {
+  case 0:
+    e = 0;
+    break;
+  case 1:
+    e = 0xff;
+    break;
+  case 2:
+    e = 1 + (r >> 16) % 3;
+    break;
+  case 3:
+    e = 0xfc + (r >> 16) % 3;
+    break;
+  case 4:
+    e = (r >> 16) % 0x100;
+    break;
+  default: {
+    int32_t v = static_cast<int32_t>(near) + static_cast<int32_t>((r >> 16) % 63) - 31;
+    e = v < 0 ? 0 : v > 0xff ? 0xff : static_cast<uint32_t>(v);
+  }
+  }
+  return static_cast<uint32_t>(r >> 40 & 1) << 31 | e << 23 | f;
+}
+
+struct FloatBinary {
+  const char *name;
+  float (*fast)(float, float);
+  uint32_t (*body)(uint32_t, uint32_t);
+};
+
+const FloatBinary floats[] = {
+    {"__aeabi_fadd", __aeabi_fadd, kv::fp::fadd}, {"__aeabi_fsub", __aeabi_fsub, kv::fp::fsub},
+    {"_fadd", _fadd, kv::fp::fadd},               {"_fsub", _fsub, kv::fp::fsub},
+    {"__aeabi_fmul", __aeabi_fmul, kv::fp::fmul}, {"_fmul", _fmul, kv::fp::fmul},
+    {"__aeabi_fdiv", __aeabi_fdiv, kv::fp::fdiv}, {"_fdiv", _fdiv, kv::fp::fdiv},
+};
+
+int check(const FloatBinary &op, uint32_t a, uint32_t b) {
+  uint32_t got = __builtin_bit_cast(uint32_t, op.fast(__builtin_bit_cast(float, a),
+                                                       __builtin_bit_cast(float, b)));
+  uint32_t want = op.body(a, b);
+  if (got == want)
+    return 0;
+  static int shown = 0;
+  if (shown++ < 10) {
+    kvtest::out(op.name);
+    kvtest::out(" ");
+    kvtest::out_hex(a);
+    kvtest::out(" ");
+    kvtest::out_hex(b);
+    kvtest::out(" gives ");
+    kvtest::out_hex(got);
+    kvtest::out(", want ");
+    kvtest::out_hex(want);
+    kvtest::out("\n");
+  }
+  return 1;
+}
+
+TEST(FpFastPaths, FloatEdges) {
+  const uint32_t edges[] = {0,          1,          0x7fffff,   0x800000,   0x1000000,
+                            0x3f800000, 0x3f800001, 0x3f7fffff, 0x33800000 /* 2^-24 */,
+                            0x34000000, 0x7f7fffff, 0x7f000000, 0x7e800000, 0x7f800000,
+                            0x7fc00000, 0x7f800001, 0x00ffffff, 0x01000000, 0x1f800000,
+                            0x5f800000, 0x3fffffff, 0x3fc00000, 0x3f000000, 0x00800001};
+  int wrong = 0;
+  for (const FloatBinary &op : floats)
+    for (uint32_t a : edges)
+      for (uint32_t b : edges)
+        for (uint32_t s = 0; s < 4; ++s)
+          wrong += check(op, a ^ (s & 1) << 31, b ^ (s >> 1) << 31);
+  EXPECT_EQ(wrong, 0);
+}
+
+TEST(FpFastPaths, FloatRandom) {
+  int wrong = 0;
+  for (int i = 0; i < 60000; ++i) {
+    uint32_t a = float_operand(1 + static_cast<uint32_t>(rnd() % 0xfe));
+    uint32_t b = float_operand(a >> 23 & 0xff);
+    for (const FloatBinary &op : floats)
+      wrong += check(op, a, b);
+    // Results near the ends of the range: exponent sums and differences about the bias.
+    uint32_t e = static_cast<uint32_t>(rnd() % 0xff);
+    uint32_t c = (a & ~(0xffu << 23)) | e << 23;
+    uint32_t k = static_cast<uint32_t>(rnd());
+    uint32_t dm = (b & ~(0xffu << 23)) | ((0x7e + (k & 3) * 0x7f - e + (k >> 2) % 8) & 0xff) << 23;
+    uint32_t dd = (b & ~(0xffu << 23)) | ((e + 0x7f * (k >> 5 & 1) - 0x7f * (k >> 6 & 1) +
+                                           (k >> 7) % 8 - 4) & 0xff) << 23;
+    wrong += check(floats[4], c, dm);
+    wrong += check(floats[6], c, dd);
+    // Near-cancellation: b within a few units of a (or of its half or double).
+    uint32_t n = a + static_cast<uint32_t>(rnd() % 9) - 4;
+    if (i & 1)
+      n += (rnd() & 1 ? 1u : 0u - 1) << 23;
+    if (((a ^ n) >> 31) == 0) {
+      wrong += check(floats[1], a, n);
+      wrong += check(floats[0], a, n ^ 1u << 31);
+    }
+  }
+  EXPECT_EQ(wrong, 0);
+}
+
 template <typename T> int report(const char *name, uint64_t in, T got, T want) {
   if (got == want)
     return 0;
@@ -268,6 +417,102 @@ TEST(FpFastPaths, Relations) {
     uint32_t flags = kv::fp::dcmp(a, b);
     for (const Relation &r : relations)
       wrong += report(r.name, a ^ b, r.fn(dbl(a), dbl(b)), static_cast<int>(r.want(flags)));
+  }
+  EXPECT_EQ(wrong, 0);
+}
+
+TEST(FpFastPaths, FloatRelations) {
+  using kv::fp::kEqual, kv::fp::kGreater, kv::fp::kLess;
+  struct Relation {
+    const char *name;
+    int (*fn)(float, float);
+    bool (*want)(uint32_t);
+  };
+  const Relation relations[] = {
+      {"__aeabi_fcmplt", __aeabi_fcmplt, [](uint32_t f) { return f == kLess; }},
+      {"_fls", _fls, [](uint32_t f) { return f == kLess; }},
+      {"__aeabi_fcmple", __aeabi_fcmple, [](uint32_t f) { return f == kLess || f == kEqual; }},
+      {"_fleq", _fleq, [](uint32_t f) { return f == kLess || f == kEqual; }},
+      {"__aeabi_fcmpgt", __aeabi_fcmpgt, [](uint32_t f) { return f == kGreater; }},
+      {"_fgr", _fgr, [](uint32_t f) { return f == kGreater; }},
+      {"__aeabi_fcmpge", __aeabi_fcmpge, [](uint32_t f) { return f == kGreater || f == kEqual; }},
+      {"_fgeq", _fgeq, [](uint32_t f) { return f == kGreater || f == kEqual; }},
+      {"__aeabi_fcmpeq", __aeabi_fcmpeq, [](uint32_t f) { return f == kEqual; }},
+      {"_feq", _feq, [](uint32_t f) { return f == kEqual; }},
+  };
+  int wrong = 0;
+  for (int i = 0; i < 20000; ++i) {
+    uint32_t a = float_operand(1 + static_cast<uint32_t>(rnd() % 0xfe)), b;
+    switch (i & 3) {
+    case 0:
+      b = a;
+      break;
+    case 1:
+      b = a + (rnd() & 1 ? 1 : 0u - 1);
+      break;
+    case 2:
+      b = a ^ 1u << 31;
+      break;
+    default:
+      b = float_operand(a >> 23 & 0xff);
+    }
+    uint32_t flags = kv::fp::fcmp(a, b);
+    for (const Relation &r : relations)
+      wrong += report(r.name, static_cast<uint64_t>(a) << 32 | b,
+                      r.fn(__builtin_bit_cast(float, a), __builtin_bit_cast(float, b)),
+                      static_cast<int>(r.want(flags)));
+  }
+  EXPECT_EQ(wrong, 0);
+}
+
+// The flag-returning entries against the four-way comparison, r0-r3 kept (bit 0 of the probe's
+// answer): doubles and floats, equal, adjacent, sign-flipped and random pairs.
+TEST(FpFastPaths, FlagComparisons) {
+  struct Entry {
+    const char *name;
+    void (*fn)(void);
+    bool reversed;
+  };
+  const Entry doubles_flags[] = {{"__aeabi_cdcmple", __aeabi_cdcmple, false},
+                                 {"__aeabi_cdcmpeq", __aeabi_cdcmpeq, false},
+                                 {"_dcmp4", _dcmp4, false},
+                                 {"__aeabi_cdrcmple", __aeabi_cdrcmple, true}};
+  const Entry floats_flags[] = {{"__aeabi_cfcmple", __aeabi_cfcmple, false},
+                                {"__aeabi_cfcmpeq", __aeabi_cfcmpeq, false},
+                                {"_fcmp4", _fcmp4, false},
+                                {"__aeabi_cfrcmple", __aeabi_cfrcmple, true}};
+  int wrong = 0;
+  for (int i = 0; i < 20000; ++i) {
+    uint64_t a = operand(1 + rnd() % 0x7fe), b;
+    uint32_t fa = float_operand(1 + static_cast<uint32_t>(rnd() % 0xfe)), fb;
+    switch (i & 3) {
+    case 0:
+      b = a;
+      fb = fa;
+      break;
+    case 1:
+      b = a + (rnd() & 1 ? 1 : 0ull - 1);
+      fb = fa + (rnd() & 1 ? 1 : 0u - 1);
+      break;
+    case 2:
+      b = a ^ 1ull << 63;
+      fb = fa ^ 1u << 31;
+      break;
+    default:
+      b = operand(a >> 52 & 0x7ff);
+      fb = float_operand(fa >> 23 & 0xff);
+    }
+    for (const Entry &e : doubles_flags) {
+      uint32_t want = e.reversed ? kv::fp::dcmp(b, a) : kv::fp::dcmp(a, b);
+      uint32_t got = call_flags(e.fn, static_cast<uint32_t>(a), static_cast<uint32_t>(a >> 32),
+                                static_cast<uint32_t>(b), static_cast<uint32_t>(b >> 32));
+      wrong += report(e.name, a ^ b, got, want | 1);
+    }
+    for (const Entry &e : floats_flags) {
+      uint32_t want = e.reversed ? kv::fp::fcmp(fb, fa) : kv::fp::fcmp(fa, fb);
+      uint32_t got = call_flags(e.fn, fa, fb, 0x12345678, 0x9abcdef0);
+      wrong += report(e.name, static_cast<uint64_t>(fa) << 32 | fb, got, want | 1);
+    }
   }
   EXPECT_EQ(wrong, 0);
 }
