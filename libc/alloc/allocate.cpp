@@ -20,7 +20,7 @@ Chunk *take_first_small(uint32_t i) {
   Chunk *b = small_bin(i);
   Chunk *p = b->fd;
   Chunk *f = p->fd;
-  if (p == b || f == p || size_of(p) != i << 3 || !ok_address(f))
+  if (p == b || f == p || size_of(p) != i << 3 || (f != b && !ok_address(f)))
     corrupted();
   b->fd = f;
   f->bk = b;

@@ -1,0 +1,2 @@
+#include <kvtest.h>
+TEST(X,Y){}
