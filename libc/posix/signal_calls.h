@@ -9,3 +9,5 @@ int kill(pid_t pid, int sig);
 pid_t getpid(void);
 int raise(int sig);
 }
+
+extern "C" [[noreturn]] void abort(void);

@@ -28,7 +28,7 @@ weak_entry_points="open mmap munmap puts socket bind connect listen accept sendt
   sysconf syslog copy_environ os_current_time_in_ms shm_open shm_unlink posix_spawn truncate
   times adjtime clock_settime sendmsg recvmsg getnameinfo getaddrinfo ioctl alarm pselect
   sigprocmask pthread_sigmask pipe shutdown fchmod getuid statvfs fstatvfs chmod clock
-  get_errno_addr get_h_errno_addr"
+  get_errno_addr get_h_errno_addr free realloc calloc posix_memalign"
 for e in $weak_entry_points; do expect "__syscall_$e" WEAK FUNC; done
 expect __syscall_kill GLOBAL FUNC
 expect __syscall_sigaction GLOBAL FUNC
@@ -36,6 +36,10 @@ for f in ___aeabi_errno_addr ___h_errno_addr __read_errno __set_errno __rt_fp_st
          __rt_ddtor_pointer_addr __rt_eh_globals_addr __C_library_version_number; do
   expect "$f" GLOBAL FUNC
 done
+for f in __mutex_initialize __mutex_acquire __mutex_release __mutex_destroy; do
+  expect "$f" WEAK FUNC
+done
+for f in abort mallopt malloc_trim; do expect "$f" GLOBAL FUNC; done
 for f in __user_libspace __user_perproc_libspace __user_perthread_libspace; do
   expect "$f" WEAK FUNC
 done
@@ -58,7 +62,8 @@ fi
 # The library's own calls to the replaceable hooks go through the GOT.
 relocs=$("$readelf" -r -W "$lib")
 for hook in __syscall_syslog __syscall_set_errno_addr __syscall_get_errno_addr ___aeabi_errno_addr \
-            ___h_errno_addr __syscall_copy_environ; do
+            ___h_errno_addr __syscall_copy_environ __syscall_free __syscall_mmap __syscall_munmap \
+            __mutex_acquire __mutex_release __mutex_initialize; do
   grep -q "R_ARM_JUMP_SLOT.* $hook\$" <<<"$relocs" || { echo "FAIL: $hook is not called through the GOT"; fail=1; }
 done
 needed=$("$readelf" -d "$lib" | grep NEEDED)

@@ -1,0 +1,194 @@
+// Allocation: exact small bins, the next small bins or the tries for a split, the spare chunk,
+// the top chunk, and only then the system side.
+#include "alloc/heap.h"
+
+namespace kv::heap {
+namespace {
+
+// The old spare chunk, always small here, goes back to its bin.
+void replace_spare(Chunk *p, size_t s) {
+  if (size_t old = state.dvsize) {
+    if (old >= kMinLarge)
+      corrupted();
+    insert_small(state.dv, old);
+  }
+  state.dv = p;
+  state.dvsize = s;
+}
+
+Chunk *take_first_small(uint32_t i) {
+  Chunk *b = small_bin(i);
+  Chunk *p = b->fd;
+  Chunk *f = p->fd;
+  if (p == b || f == p || size_of(p) != i << 3 || (f != b && !ok_address(f)))
+    corrupted();
+  b->fd = f;
+  f->bk = b;
+  if (f == b)
+    state.smallmap &= ~(1u << i);
+  return p;
+}
+
+inline TreeChunk *leftmost_child(TreeChunk *t) { return t->child[0] ? t->child[0] : t->child[1]; }
+
+// Hands out nb bytes of v, whose remainder is rsize; the remainder goes where `keep` puts it.
+template <typename Keep> void *split_tree_fit(TreeChunk *v, size_t nb, size_t rsize, Keep keep) {
+  if (!ok_address(v) || size_of(v) != nb + rsize)
+    corrupted();
+  unlink_tree(v);
+  Chunk *p = reinterpret_cast<Chunk *>(v);
+  if (rsize < kMinChunk) {
+    mark_in_use(p, rsize + nb);
+  } else {
+    p->head = nb | kPinuse | kCinuse;
+    Chunk *r = at(p, nb);
+    set_free(r, rsize);
+    keep(r, rsize);
+  }
+  return user(p);
+}
+
+// A small request from the smallest chunk of the lowest non-empty trie.
+void *tree_small(size_t nb) {
+  uint32_t i = static_cast<uint32_t>(__builtin_ctz(state.treemap));
+  TreeChunk *v = state.treebins[i];
+  size_t rsize = size_of(v) - nb;
+  for (TreeChunk *t = leftmost_child(v); t; t = leftmost_child(t)) {
+    size_t rem = size_of(t) - nb;
+    if (rem < rsize) {
+      rsize = rem;
+      v = t;
+    }
+  }
+  return split_tree_fit(v, nb, rsize, replace_spare);
+}
+
+// Best fit for a large request, or null when the spare chunk fits at least as well.
+void *tree_large(size_t nb) {
+  TreeChunk *v = nullptr;
+  size_t rsize = 0 - nb;
+  uint32_t idx = tree_index(nb);
+  TreeChunk *t = state.treebins[idx];
+  if (state.treemap & (1u << idx)) {
+    size_t key = nb << tree_shift(idx);
+    TreeChunk *untaken = nullptr; // deepest right subtree the descent passed by
+    for (;;) {
+      size_t rem = size_of(t) - nb;
+      if (rem < rsize) {
+        v = t;
+        rsize = rem;
+        if (rem == 0)
+          break;
+      }
+      TreeChunk *right = t->child[1];
+      t = t->child[(key >> 31) & 1];
+      if (right && right != t)
+        untaken = right;
+      if (!t) {
+        t = untaken;
+        break;
+      }
+      key <<= 1;
+    }
+  } else {
+    t = nullptr;
+  }
+  if (!t && !v) {
+    uint32_t above = bits_above(1u << idx) & state.treemap;
+    if (above)
+      t = state.treebins[__builtin_ctz(above)];
+  }
+  for (; t; t = leftmost_child(t)) {
+    size_t rem = size_of(t) - nb;
+    if (rem < rsize) {
+      rsize = rem;
+      v = t;
+    }
+  }
+  if (!v || rsize >= state.dvsize - nb)
+    return nullptr;
+  return split_tree_fit(v, nb, rsize, insert_chunk);
+}
+
+} // namespace
+
+void set_top(Chunk *p, size_t size) {
+  state.top = p;
+  state.topsize = size;
+  p->head = size | kPinuse;
+  at(p, size)->head = kTopFoot;
+  state.trim_check = params.trim_threshold;
+}
+
+void *allocate_locked(size_t bytes) {
+  size_t nb;
+  if (bytes <= kMaxSmallRequest) {
+    nb = request_to_chunk(bytes);
+    uint32_t idx = static_cast<uint32_t>(nb >> 3);
+    uint32_t bits = state.smallmap >> idx;
+    if (bits & 3) {
+      idx += ~bits & 1;
+      Chunk *p = take_first_small(idx);
+      mark_in_use(p, idx << 3);
+      return user(p);
+    }
+    if (nb > state.dvsize) {
+      if (bits) {
+        uint32_t i = static_cast<uint32_t>(__builtin_ctz(bits << idx));
+        Chunk *p = take_first_small(i);
+        size_t rsize = (i << 3) - nb;
+        p->head = nb | kPinuse | kCinuse;
+        Chunk *r = at(p, nb);
+        set_free(r, rsize);
+        replace_spare(r, rsize);
+        return user(p);
+      }
+      if (state.treemap)
+        return tree_small(nb);
+    }
+  } else if (bytes >= kMaxRequest) {
+    nb = ~size_t{0};
+  } else {
+    nb = request_to_chunk(bytes);
+    if (state.treemap)
+      if (void *mem = tree_large(nb))
+        return mem;
+  }
+
+  if (nb <= state.dvsize) {
+    Chunk *p = state.dv;
+    size_t rsize = state.dvsize - nb;
+    if (rsize >= kMinChunk) {
+      Chunk *r = at(p, nb);
+      state.dv = r;
+      state.dvsize = rsize;
+      set_free(r, rsize);
+      p->head = nb | kPinuse | kCinuse;
+    } else {
+      size_t whole = state.dvsize;
+      state.dv = nullptr;
+      state.dvsize = 0;
+      mark_in_use(p, whole);
+    }
+    return user(p);
+  }
+  if (nb < state.topsize) {
+    Chunk *p = state.top;
+    size_t rsize = state.topsize -= nb;
+    Chunk *r = state.top = at(p, nb);
+    r->head = rsize | kPinuse;
+    p->head = nb | kPinuse | kCinuse;
+    return user(p);
+  }
+  return system_allocate(nb);
+}
+
+void *allocate(size_t bytes) {
+  ensure_params();
+  lock();
+  void *mem = allocate_locked(bytes);
+  unlock();
+  return mem;
+}
+
+} // namespace kv::heap

@@ -1,0 +1,114 @@
+// The tree bins: one bitwise trie per size range, equal sizes in a ring on one node.
+#include "alloc/heap.h"
+
+namespace kv::heap {
+
+void init_bins() {
+  for (uint32_t i = 0; i < kSmallBins; ++i) {
+    Chunk *b = small_bin(i);
+    b->fd = b->bk = b;
+  }
+}
+
+void insert_tree(TreeChunk *x, size_t s) {
+  uint32_t i = tree_index(s);
+  TreeChunk **root = &state.treebins[i];
+  x->index = i;
+  x->child[0] = x->child[1] = nullptr;
+  if (!(state.treemap & (1u << i))) {
+    state.treemap |= 1u << i;
+    *root = x;
+    x->parent = reinterpret_cast<TreeChunk *>(root);
+    x->fd = x->bk = x;
+    return;
+  }
+  TreeChunk *t = *root;
+  size_t key = s << tree_shift(i);
+  for (;;) {
+    if (size_of(t) != s) {
+      TreeChunk **c = &t->child[(key >> 31) & 1];
+      key <<= 1;
+      if (*c) {
+        t = *c;
+        continue;
+      }
+      if (!ok_address(c))
+        corrupted();
+      *c = x;
+      x->parent = t;
+      x->fd = x->bk = x;
+      return;
+    }
+    TreeChunk *f = t->fd;
+    if (!ok_address(t) || !ok_address(f))
+      corrupted();
+    t->fd = f->bk = x;
+    x->fd = f;
+    x->bk = t;
+    x->parent = nullptr;
+    return;
+  }
+}
+
+void unlink_tree(TreeChunk *x) {
+  TreeChunk *parent = x->parent;
+  TreeChunk *r;
+  if (x->bk != x) {
+    // A ring member (or a node with a ring): its neighbour takes its place.
+    TreeChunk *f = x->fd;
+    r = x->bk;
+    if (!ok_address(f) || f->bk != x || r->fd != x)
+      corrupted();
+    f->bk = r;
+    r->fd = f;
+  } else {
+    // The deepest rightmost descendant replaces the node.
+    TreeChunk **rp = &x->child[1];
+    r = *rp;
+    if (!r) {
+      rp = &x->child[0];
+      r = *rp;
+    }
+    if (r) {
+      for (;;) {
+        TreeChunk **cp = &r->child[1];
+        if (!*cp)
+          cp = &r->child[0];
+        if (!*cp)
+          break;
+        rp = cp;
+        r = *cp;
+      }
+      if (!ok_address(rp))
+        corrupted();
+      *rp = nullptr;
+    }
+  }
+  if (!parent)
+    return;
+  TreeChunk **root = &state.treebins[x->index];
+  if (x == *root) {
+    *root = r;
+    if (!r)
+      state.treemap &= ~(1u << x->index);
+  } else {
+    if (!ok_address(parent))
+      corrupted();
+    parent->child[parent->child[0] == x ? 0 : 1] = r;
+  }
+  if (!r)
+    return;
+  if (!ok_address(r))
+    corrupted();
+  r->parent = parent;
+  for (int side = 0; side < 2; ++side) {
+    if (TreeChunk *c = x->child[side]) {
+      if (!ok_address(c))
+        corrupted();
+      r->child[side] = c;
+      c->parent = r;
+    }
+  }
+}
+
+} // namespace kv::heap

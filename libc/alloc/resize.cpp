@@ -1,0 +1,86 @@
+// realloc in place (shrink, or grow into the top chunk) or by copy, and calloc.
+#include "alloc/heap.h"
+#include "alloc/malloc.h"
+#include "runtime/block_memory.h"
+#include "support/export.h"
+
+namespace kv::heap {
+namespace {
+
+void *resize(void *mem, size_t bytes) {
+  if (!mem)
+    return allocate(bytes);
+  if (bytes >= kMaxRequest) {
+    set_enomem();
+    return nullptr;
+  }
+  ensure_params();
+  lock();
+  Chunk *p = chunk_of(mem);
+  size_t oldsize = size_of(p);
+  Chunk *next = at(p, oldsize);
+  if (!ok_address(p) || !in_use(p) || next <= p || !prev_in_use(next))
+    bad_free(2231);
+  size_t nb = request_to_chunk(bytes);
+  bool mapped = is_mapped(p);
+  bool in_place = false;
+  void *cut_off = nullptr;
+  if (mapped) {
+    // No way to move a mapping: keep it while it is not much too big.
+    in_place = nb >= kMinLarge && oldsize >= nb + kOverhead &&
+               oldsize - nb <= 2 * params.granularity;
+  } else if (oldsize >= nb) {
+    in_place = true;
+    size_t rsize = oldsize - nb;
+    if (rsize >= kMinChunk) {
+      set_in_use(p, nb);
+      Chunk *r = at(p, nb);
+      r->head = rsize | kPinuse | kCinuse;
+      cut_off = user(r);
+    }
+  } else if (next == state.top && oldsize + state.topsize > nb) {
+    in_place = true;
+    size_t topsize = oldsize + state.topsize - nb;
+    set_in_use(p, nb);
+    Chunk *t = at(p, nb);
+    t->head = topsize | kPinuse;
+    state.top = t;
+    state.topsize = topsize;
+  }
+  unlock();
+  if (in_place) {
+    release(cut_off);
+    return mem;
+  }
+  void *fresh = allocate(bytes);
+  if (fresh) {
+    size_t usable = oldsize - (mapped ? kMappedOverhead : kOverhead);
+    mem_copy(fresh, mem, usable < bytes ? usable : bytes);
+    release(mem);
+  }
+  return fresh;
+}
+
+void *zeroed(size_t count, size_t size) {
+  size_t bytes = 0;
+  if (count) {
+    bytes = count * size;
+    if (((count | size) & ~size_t{0xFFFF}) && bytes / count != size)
+      bytes = ~size_t{0};
+  }
+  void *mem = allocate(bytes);
+  if (mem && !is_mapped(chunk_of(mem)))
+    mem_fill(mem, bytes, 0);
+  return mem;
+}
+
+} // namespace
+} // namespace kv::heap
+
+KV_FUNCTION(weak, void *, __syscall_realloc, (void *block, size_t size)) {
+  return kv::heap::resize(block, size);
+}
+
+KV_FUNCTION(weak, void *, __syscall_calloc, (size_t count, size_t size)) {
+  return kv::heap::zeroed(count, size);
+}
