@@ -10,8 +10,44 @@ namespace {
 constexpr uint8_t kFlagBits[17] = {PF_SPACE, 0, 0, PF_ALT, 0, 0, 0, 0, 0,
                                    0,        0, PF_PLUS, 0, PF_LEFT, 0, 0, PF_ZERO};
 
-inline int next(_printf_state *state) { return state->next_format_char(state); }
 inline bool digit(int c) { return static_cast<unsigned>(c - '0') < 10; }
+
+// Any format reader, one call per character.
+struct CallReader {
+  _printf_state *state;
+  int next() { return state->next_format_char(state); }
+  // Writes plain text up to the next '%' or the end; returns that '%' or 0.
+  int text() {
+    for (;;) {
+      int c = next();
+      if (c == 0 || c == '%')
+        return c;
+      put(state, c);
+      ++state->count;
+    }
+  }
+};
+
+// The byte reader's own work done in place, and plain text passed on in runs.
+struct ByteReader {
+  _printf_state *state;
+  const unsigned char *cursor;
+  int next() { return *cursor++; }
+  int text() {
+    const unsigned char *start = cursor;
+    unsigned c;
+    while ((c = *cursor) != 0 && c != '%')
+      ++cursor;
+    int32_t n = static_cast<int32_t>(cursor - start);
+    if (n) {
+      emit(state, reinterpret_cast<const char *>(start), n);
+      state->count += n;
+    }
+    ++cursor;
+    return static_cast<int>(c);
+  }
+  void finish() { state->format_cursor = reinterpret_cast<const char *>(cursor); }
+};
 
 } // namespace
 
@@ -71,20 +107,18 @@ static int _printf_dispatch(_printf_state *state, int letter, _printf_args args)
 
 KV_PRINTF_HANDLER(_printf_percent_end) { return 0; }
 
-KV_FUNCTION(protected, int, __printf, (_printf_state * state, _printf_args args)) {
+namespace {
+
+template <typename Reader> int interpret(Reader &in, _printf_args args) {
+  _printf_state *state = in.state;
   state->count = 0;
   for (;;) {
-    int c = next(state);
+    int c = in.text();
     if (c == 0)
       return state->count;
-    if (c != '%') {
-      put(state, c);
-      ++state->count;
-      continue;
-    }
     uint32_t flags = 0;
     for (;;) {
-      c = next(state);
+      c = in.next();
       unsigned index = static_cast<unsigned>(c - 0x20);
       if (index > 0x10 || !kFlagBits[index])
         break;
@@ -96,21 +130,21 @@ KV_FUNCTION(protected, int, __printf, (_printf_state * state, _printf_args args)
     int32_t width = 0, precision = 0;
     if (c == '*') {
       width = static_cast<int32_t>(*args++);
-      c = next(state);
+      c = in.next();
     } else {
-      for (; digit(c); c = next(state))
+      for (; digit(c); c = in.next())
         width = width * 10 + (c - '0');
     }
     if (c == '.') {
       flags |= PF_PRECISION;
-      c = next(state);
+      c = in.next();
       if (c == '*') {
         precision = static_cast<int32_t>(*args++);
-        c = next(state);
+        c = in.next();
         if (precision < 0)
           flags &= ~PF_PRECISION;
       } else {
-        for (; digit(c); c = next(state))
+        for (; digit(c); c = in.next())
           precision = precision * 10 + (c - '0');
       }
     }
@@ -122,26 +156,26 @@ KV_FUNCTION(protected, int, __printf, (_printf_state * state, _printf_args args)
       flags &= ~PF_ZERO;
 
     if (c == 'l') {
-      c = next(state);
+      c = in.next();
       if (c == 'l') {
         flags |= PF_LONGLONG;
-        c = next(state);
+        c = in.next();
       } else {
         flags |= PF_LONG;
       }
     } else if (c == 'h') {
-      c = next(state);
+      c = in.next();
       if (c == 'h') {
         flags |= PF_CHAR;
-        c = next(state);
+        c = in.next();
       } else {
         flags |= PF_SHORT;
       }
     } else if (c == 'j') {
       flags |= PF_LONGLONG;
-      c = next(state);
+      c = in.next();
     } else if (c == 'L' || c == 't' || c == 'z') {
-      c = next(state);
+      c = in.next();
     }
 
     if (c == 0)
@@ -163,4 +197,17 @@ KV_FUNCTION(protected, int, __printf, (_printf_state * state, _printf_args args)
       args = reinterpret_cast<_printf_args>((reinterpret_cast<uintptr_t>(args) + 7) & ~uintptr_t{7}) + 2;
     }
   }
+}
+
+} // namespace
+
+KV_FUNCTION(protected, int, __printf, (_printf_state * state, _printf_args args)) {
+  if (state->next_format_char == next_byte) {
+    ByteReader in{state, reinterpret_cast<const unsigned char *>(state->format_cursor)};
+    int count = interpret(in, args);
+    in.finish();
+    return count;
+  }
+  CallReader in{state};
+  return interpret(in, args);
 }
