@@ -23,6 +23,15 @@ void post_padding(_printf_state *state) {
 int int_layout(_printf_state *state, const char *digits, int ndigits, const char *prefix,
                int prefixlen) {
   uint32_t flags = state->flags;
+  // No precision and no room to pad: the prefix and the digits as they are.
+  if (!(flags & PF_PRECISION) && ndigits && state->width <= ndigits + prefixlen) {
+    state->count += ndigits + prefixlen;
+    state->width -= ndigits + prefixlen;
+    if (prefixlen)
+      emit(state, prefix, prefixlen);
+    emit(state, digits, ndigits);
+    return (flags & PF_LONGLONG) ? 2 : 1;
+  }
   int32_t zeros = 0;
   if (flags & PF_PRECISION) {
     zeros = state->precision - ndigits;

@@ -2,6 +2,10 @@
 // any other sink one put_char call each.
 #include "printf/state.h"
 
+#if defined(__arm__)
+#include "runtime/block_memory.h"
+#endif
+
 KV_FUNCTION(protected, void, _sputc, (int ch, void *sink)) {
   auto *s = static_cast<_sputc_sink *>(sink);
   *s->next++ = static_cast<char>(ch);
@@ -46,6 +50,14 @@ void emit(_printf_state *state, const char *text, int32_t n) {
   if (n <= 0)
     return;
   if (char *out = memory_run(state, n)) {
+    if (n >= 16) {
+#if defined(__arm__)
+      kv::mem_copy(out, text, static_cast<size_t>(n));
+#else
+      __builtin_memcpy(out, text, static_cast<size_t>(n));
+#endif
+      return;
+    }
     // Two at a time: most runs are digits or short words.
     for (; n >= 2; n -= 2, out += 2, text += 2) {
       char a = text[0], b = text[1];
