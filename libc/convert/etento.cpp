@@ -6,10 +6,22 @@ namespace {
 
 constexpr _btod_ext kOne = {0x3FFF, 0x80000000, 0};
 
-constexpr _btod_ext kSmall[5] = {
-    {0x4002, 0xA0000000, 0}, {0x4005, 0xC8000000, 0},          {0x400C, 0x9C400000, 0},
-    {0x4019, 0xBEBC2000, 0}, {0x4034, 0x8E1BC9BF, 0x04000000},
+// 10^0 to 10^27, exact: the products of the small powers, which 64 bits hold without rounding.
+struct ExactPowers {
+  _btod_ext p[28];
 };
+constexpr ExactPowers make_exact() {
+  ExactPowers t{};
+  uint64_t five = 1;
+  for (int k = 0; k < 28; ++k, five *= 5) {
+    int shift = __builtin_clzll(five);
+    uint64_t m = five << shift;
+    t.p[k] = {static_cast<uint32_t>(0x3FFF + k + 63 - shift), static_cast<uint32_t>(m >> 32),
+              static_cast<uint32_t>(m)};
+  }
+  return t;
+}
+constexpr ExactPowers kExact = make_exact();
 
 // The fourth word is the sign of the constant's rounding error.
 struct LargePower {
@@ -29,11 +41,9 @@ KV_FUNCTION(protected, void, _btod_etento, (_btod_ext * out, int n, int directio
   unsigned t = static_cast<unsigned>(n + 7067);
   unsigned h = t / 55 - 128;
   int l = static_cast<int>(t % 55) - 27;
-  _btod_ext a = kOne;
-  for (unsigned bits = l < 0 ? -l : l, i = 0; bits; bits >>= 1, ++i)
-    if (bits & 1)
-      a = _btod_emul(a, kSmall[i], direction);
+  _btod_ext a = kExact.p[l < 0 ? -l : l];
   _btod_ext b = kOne;
+  bool large = h != 0;
   for (unsigned i = 0; h; h >>= 1, ++i) {
     if (!(h & 1))
       continue;
@@ -41,7 +51,11 @@ KV_FUNCTION(protected, void, _btod_etento, (_btod_ext * out, int n, int directio
     // Make the constant err the requested way.
     if (kLarge[i].error == -direction)
       p.ext_mant_lo += static_cast<uint32_t>(direction);
-    b = _btod_emul(b, p, direction);
+    // The first is taken as it is: 1 x p is exact.
+    b = b.ext_sign_exp == kOne.ext_sign_exp ? p : _btod_emul(b, p, direction);
   }
-  *out = l < 0 ? _btod_ediv(b, a, direction) : _btod_emul(b, a, direction);
+  if (!large && l >= 0)
+    *out = a; // 1 x a is a, exactly, in every direction
+  else
+    *out = l < 0 ? _btod_ediv(b, a, direction) : _btod_emul(b, a, direction);
 }

@@ -1,5 +1,6 @@
 // %c and %s as bytes; with a wide hook they are handed over instead.
 #include "printf/state.h"
+#include "string/string_internal.h"
 
 using namespace kv::printf;
 
@@ -14,10 +15,11 @@ void emit_chars(_printf_state *state, const char *text, int32_t length) {
   }
   state->count += length;
   state->width -= length;
-  pre_padding(state);
-  for (int32_t i = 0; i < length; ++i)
-    put(state, static_cast<unsigned char>(text[i]));
-  post_padding(state);
+  if (state->width > 0)
+    pre_padding(state);
+  emit(state, text, length);
+  if (state->width > 0)
+    post_padding(state);
 }
 
 } // namespace
@@ -33,10 +35,14 @@ KV_PRINTF_HANDLER(_printf_string) {
   const char *text = reinterpret_cast<const char *>(static_cast<uintptr_t>(args[0]));
   if (!text)
     text = "(null)";
-  int32_t limit = (state->flags & PF_PRECISION) ? state->precision : 0x7FFFFFFF;
-  int32_t length = 0;
-  while (length < limit && text[length])
-    ++length;
+  int32_t length;
+  if (state->flags & PF_PRECISION) {
+    int32_t limit = state->precision;
+    for (length = 0; length < limit && text[length];)
+      ++length;
+  } else {
+    length = static_cast<int32_t>(strlen(text));
+  }
   emit_chars(state, text, length);
   return 1;
 }

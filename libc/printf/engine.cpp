@@ -10,8 +10,49 @@ namespace {
 constexpr uint8_t kFlagBits[17] = {PF_SPACE, 0, 0, PF_ALT, 0, 0, 0, 0, 0,
                                    0,        0, PF_PLUS, 0, PF_LEFT, 0, 0, PF_ZERO};
 
-inline int next(_printf_state *state) { return state->next_format_char(state); }
+// Lower-case letters other than the length modifiers h, j, l, t and z.
+constexpr uint32_t kBareLetters =
+    ((1u << 26) - 1) & ~(1u << ('h' - 'a') | 1u << ('j' - 'a') | 1u << ('l' - 'a') | 1u << ('t' - 'a') |
+                         1u << ('z' - 'a'));
+
 inline bool digit(int c) { return static_cast<unsigned>(c - '0') < 10; }
+
+// Any format reader, one call per character.
+struct CallReader {
+  _printf_state *state;
+  int next() { return state->next_format_char(state); }
+  // Writes plain text up to the next '%' or the end; returns that '%' or 0.
+  int text() {
+    for (;;) {
+      int c = next();
+      if (c == 0 || c == '%')
+        return c;
+      put(state, c);
+      ++state->count;
+    }
+  }
+};
+
+// The byte reader's own work done in place, and plain text passed on in runs.
+struct ByteReader {
+  _printf_state *state;
+  const unsigned char *cursor;
+  int next() { return *cursor++; }
+  int text() {
+    const unsigned char *start = cursor;
+    unsigned c;
+    while ((c = *cursor) != 0 && c != '%')
+      ++cursor;
+    int32_t n = static_cast<int32_t>(cursor - start);
+    if (n) {
+      emit(state, reinterpret_cast<const char *>(start), n);
+      state->count += n;
+    }
+    ++cursor;
+    return static_cast<int>(c);
+  }
+  void finish() { state->format_cursor = reinterpret_cast<const char *>(cursor); }
+};
 
 } // namespace
 
@@ -21,8 +62,10 @@ int print_dec64(_printf_state *state, int letter, _printf_args args);
 int print_count(_printf_state *state, int letter, _printf_args args);
 } // namespace kv::printf
 
-// The order of the tests decides which length modifiers matter for which letter.
+// One switch on the letter; within a letter the length flags choose the handler as the order
+// "n p f e g a, then ll for d i u o x, then l or ll for c s" would.
 static int _printf_dispatch(_printf_state *state, int letter, _printf_args args) {
+  uint32_t flags = state->flags;
   switch (letter) {
   case 'n':
     return print_count(state, letter, args);
@@ -34,57 +77,55 @@ static int _printf_dispatch(_printf_state *state, int letter, _printf_args args)
     return _printf_fp_dec_real(state, letter, args);
   case 'a':
     return _printf_fp_hex_real(state, letter, args);
-  }
-  uint32_t flags = state->flags;
-  unsigned wide = letter | ((flags & PF_LONGLONG) ? 0x80 : 0);
-  switch (wide) {
   case 'd':
   case 'i':
   case 'u':
-    return print_dec32(state, letter, args);
+    return (flags & PF_LONGLONG) ? print_dec64(state, letter, args) : print_dec32(state, letter, args);
   case 'o':
-    return _printf_int_oct(state, letter, args);
+    return (flags & PF_LONGLONG) ? _printf_ll_oct(state, letter, args) : _printf_int_oct(state, letter, args);
   case 'x':
-    return _printf_int_hex(state, letter, args);
-  case 'd' | 0x80:
-  case 'i' | 0x80:
-  case 'u' | 0x80:
-    return print_dec64(state, letter, args);
-  case 'o' | 0x80:
-    return _printf_ll_oct(state, letter, args);
-  case 'x' | 0x80:
-    return _printf_ll_hex(state, letter, args);
-  }
-  wide = letter | ((flags & (PF_LONG | PF_LONGLONG)) ? 0x80 : 0);
-  switch (wide) {
+    return (flags & PF_LONGLONG) ? _printf_ll_hex(state, letter, args) : _printf_int_hex(state, letter, args);
   case 'c':
-    return _printf_char(state, letter, args);
+    return (flags & (PF_LONG | PF_LONGLONG)) ? _printf_wchar(state, letter, args) : _printf_char(state, letter, args);
   case 's':
-    return _printf_string(state, letter, args);
-  case 'c' | 0x80:
-    return _printf_wchar(state, letter, args);
-  case 's' | 0x80:
-    return _printf_wstring(state, letter, args);
+    return (flags & (PF_LONG | PF_LONGLONG)) ? _printf_wstring(state, letter, args)
+                                             : _printf_string(state, letter, args);
   }
   return _printf_percent_end(state, letter, args);
 }
 
 KV_PRINTF_HANDLER(_printf_percent_end) { return 0; }
 
-KV_FUNCTION(protected, int, __printf, (_printf_state * state, _printf_args args)) {
+namespace {
+
+template <typename Reader> int interpret(Reader &in, _printf_args args) {
+  _printf_state *state = in.state;
   state->count = 0;
   for (;;) {
-    int c = next(state);
+    int c = in.text();
     if (c == 0)
       return state->count;
-    if (c != '%') {
-      put(state, c);
-      ++state->count;
+    c = in.next();
+    // Most conversions are a bare lower-case letter that is not a length modifier.
+    if (static_cast<unsigned>(c - 'a') < 26 && (kBareLetters >> (c - 'a') & 1)) {
+      state->flags = 0;
+      state->width = 0;
+      state->precision = 0;
+      int used = _printf_dispatch(state, c, args);
+      if (used == 0) {
+        put(state, c);
+        ++state->count;
+      } else if (used == 1) {
+        ++args;
+      } else {
+        args = reinterpret_cast<_printf_args>((reinterpret_cast<uintptr_t>(args) + 7) & ~uintptr_t{7}) + 2;
+      }
       continue;
     }
     uint32_t flags = 0;
-    for (;;) {
-      c = next(state);
+    for (bool first = true;; first = false) {
+      if (!first)
+        c = in.next();
       unsigned index = static_cast<unsigned>(c - 0x20);
       if (index > 0x10 || !kFlagBits[index])
         break;
@@ -96,21 +137,21 @@ KV_FUNCTION(protected, int, __printf, (_printf_state * state, _printf_args args)
     int32_t width = 0, precision = 0;
     if (c == '*') {
       width = static_cast<int32_t>(*args++);
-      c = next(state);
+      c = in.next();
     } else {
-      for (; digit(c); c = next(state))
+      for (; digit(c); c = in.next())
         width = width * 10 + (c - '0');
     }
     if (c == '.') {
       flags |= PF_PRECISION;
-      c = next(state);
+      c = in.next();
       if (c == '*') {
         precision = static_cast<int32_t>(*args++);
-        c = next(state);
+        c = in.next();
         if (precision < 0)
           flags &= ~PF_PRECISION;
       } else {
-        for (; digit(c); c = next(state))
+        for (; digit(c); c = in.next())
           precision = precision * 10 + (c - '0');
       }
     }
@@ -122,26 +163,26 @@ KV_FUNCTION(protected, int, __printf, (_printf_state * state, _printf_args args)
       flags &= ~PF_ZERO;
 
     if (c == 'l') {
-      c = next(state);
+      c = in.next();
       if (c == 'l') {
         flags |= PF_LONGLONG;
-        c = next(state);
+        c = in.next();
       } else {
         flags |= PF_LONG;
       }
     } else if (c == 'h') {
-      c = next(state);
+      c = in.next();
       if (c == 'h') {
         flags |= PF_CHAR;
-        c = next(state);
+        c = in.next();
       } else {
         flags |= PF_SHORT;
       }
     } else if (c == 'j') {
       flags |= PF_LONGLONG;
-      c = next(state);
+      c = in.next();
     } else if (c == 'L' || c == 't' || c == 'z') {
-      c = next(state);
+      c = in.next();
     }
 
     if (c == 0)
@@ -163,4 +204,17 @@ KV_FUNCTION(protected, int, __printf, (_printf_state * state, _printf_args args)
       args = reinterpret_cast<_printf_args>((reinterpret_cast<uintptr_t>(args) + 7) & ~uintptr_t{7}) + 2;
     }
   }
+}
+
+} // namespace
+
+KV_FUNCTION(protected, int, __printf, (_printf_state * state, _printf_args args)) {
+  if (state->next_format_char == next_byte) {
+    ByteReader in{state, reinterpret_cast<const unsigned char *>(state->format_cursor)};
+    int count = interpret(in, args);
+    in.finish();
+    return count;
+  }
+  CallReader in{state};
+  return interpret(in, args);
 }

@@ -5,6 +5,27 @@
 
 using namespace kv::printf;
 
+namespace {
+
+// Positions [from, to) of the printed digit string: '0' before `lead`, then the `count`
+// digits, then '0' again.
+void digit_run(_printf_state *state, const char *digits, int32_t count, int32_t lead,
+               int32_t from, int32_t to) {
+  int32_t zeros = (lead < to ? lead : to) - from;
+  if (zeros > 0) {
+    fill(state, '0', zeros);
+    from += zeros;
+  }
+  int32_t end = lead + count < to ? lead + count : to;
+  if (end > from) {
+    emit(state, digits + (from - lead), end - from);
+    from = end;
+  }
+  fill(state, '0', to - from);
+}
+
+} // namespace
+
 KV_PRINTF_HANDLER(_printf_fp_dec_real) {
   uint64_t bits = double_word(args);
   uint32_t flags = state->flags;
@@ -84,23 +105,24 @@ KV_PRINTF_HANDLER(_printf_fp_dec_real) {
   int32_t total = (sign != 0) + length + point + exp_len;
   state->width -= total;
   state->count += total;
-  if (!(flags & PF_ZERO))
+  if (state->width > 0 && !(flags & PF_ZERO))
     pre_padding(state);
   if (sign)
-    put(state, sign);
-  if (flags & PF_ZERO)
+    emit(state, &sign, 1);
+  if (state->width > 0 && (flags & PF_ZERO))
     pre_padding(state);
   char decimal_point = kv::locale::decimal_point();
-  for (int32_t i = 0; i < length; ++i) {
-    if (i == point_after)
-      put(state, decimal_point);
-    int32_t j = i - lead;
-    put(state, j >= 0 && j < r.count ? digits[j] : '0');
+  if (point_after < length) {
+    digit_run(state, digits, r.count, lead, 0, point_after);
+    emit(state, &decimal_point, 1);
+    digit_run(state, digits, r.count, lead, point_after, length);
+  } else {
+    digit_run(state, digits, r.count, lead, 0, length);
+    if (point)
+      emit(state, &decimal_point, 1);
   }
-  if (point && point_after >= length)
-    put(state, decimal_point);
-  for (int i = 0; i < exp_len; ++i)
-    put(state, exp_text[i]);
-  post_padding(state);
+  emit(state, exp_text, exp_len);
+  if (state->width > 0)
+    post_padding(state);
   return 2;
 }

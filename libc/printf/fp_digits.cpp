@@ -4,7 +4,6 @@
 #include "convert/btod.h"
 #include "printf/fp_exact.h"
 #include "printf/state.h"
-#include "runtime/udiv10.h"
 
 using namespace kv::convert;
 
@@ -57,6 +56,68 @@ uint64_t scale(uint64_t bits, int s) {
   return integer + rounds_up(fraction, integer & 1, 0);
 }
 
+constexpr uint64_t kPow10[18] = {1ull,
+                                 10ull,
+                                 100ull,
+                                 1000ull,
+                                 10000ull,
+                                 100000ull,
+                                 1000000ull,
+                                 10000000ull,
+                                 100000000ull,
+                                 1000000000ull,
+                                 10000000000ull,
+                                 100000000000ull,
+                                 1000000000000ull,
+                                 10000000000000ull,
+                                 100000000000000ull,
+                                 1000000000000000ull,
+                                 10000000000000000ull,
+                                 100000000000000000ull};
+
+// The high 64 bits of a 64 x 64 product, from 32-bit halves.
+uint64_t mul_high(uint64_t a, uint64_t b) {
+  uint64_t al = static_cast<uint32_t>(a), ah = a >> 32;
+  uint64_t bl = static_cast<uint32_t>(b), bh = b >> 32;
+  uint64_t mid = (al * bl >> 32) + static_cast<uint32_t>(al * bh) + static_cast<uint32_t>(ah * bl);
+  return ah * bh + (al * bh >> 32) + (ah * bl >> 32) + (mid >> 32);
+}
+
+// v / 10^8 for v < 2^64: (v / 2^8) / 5^8 by a reciprocal exact for 56-bit numerators.
+uint64_t div_1e8(uint64_t v) { return mul_high(v >> 8, 0xABCC77118461CEFDull) >> 18; }
+
+// The c digits of v < 10^c, leading zeros included, at out[0..c): eight at a time by a
+// reciprocal, then two at a time by the multiply-high reciprocal of 100.
+void write_digits(char *out, uint64_t v, int c) {
+  while (c > 8) {
+    uint64_t q = div_1e8(v);
+    uint32_t low = static_cast<uint32_t>(v) - static_cast<uint32_t>(q) * 100000000u;
+    c -= 8;
+    for (char *p = out + c + 8; p != out + c; p -= 2) {
+      uint32_t h = static_cast<uint32_t>(uint64_t{low} * 0x51EB851Fu >> 37);
+      uint32_t r = low - h * 100;
+      p[-1] = static_cast<char>('0' + r % 10);
+      p[-2] = static_cast<char>('0' + r / 10);
+      low = h;
+    }
+    v = q;
+  }
+  uint32_t w = static_cast<uint32_t>(v);
+  for (char *p = out + c; p != out;) {
+    uint32_t q = static_cast<uint32_t>(uint64_t{w} * 0xCCCCCCCDu >> 35);
+    *--p = static_cast<char>('0' + (w - q * 10));
+    w = q;
+  }
+}
+
+// A lower bound of floor(log10(v)) for a normal v: log2 v from below, as the exponent and the
+// first 20 fraction bits (m - 1 <= log2 m), times log10 2 rounded toward the bound.
+int decimal_floor_bound(uint64_t bits) {
+  int32_t l = (static_cast<int32_t>(bits >> 52) - 1023) * (1 << 20) + static_cast<int32_t>(bits >> 32 & 0xFFFFF);
+  int64_t c = l >= 0 ? 1292913986 : 1292913987; // log10(2) 2^32
+  return static_cast<int>((l * c) >> 52);
+}
+
 } // namespace
 
 KV_FUNCTION(protected, void, _printf_fp_digits,
@@ -82,39 +143,38 @@ KV_FUNCTION(protected, void, _printf_fp_digits,
     fixed = 0;
     n = kMaxDigits;
   }
+  // Where the estimate falls short, the retry would only move it up: start there.
+  if (bits >> 52) {
+    int bound = decimal_floor_bound(bits);
+    if (bound > estimate)
+      estimate = bound;
+  }
   for (;;) {
     uint64_t digits = scale(bits, fixed ? -n : estimate - n + 1);
     if (!fixed) {
-      for (int i = n; i-- > 0;) {
-        kv::rt::div10_t<uint64_t> d = kv::rt::udiv10_64(digits);
-        buffer[i] = static_cast<char>('0' + d.rem);
-        digits = d.quot;
-      }
-      if (digits) {
+      // A quotient would be left over after n digits: the estimate was one too small; a
+      // leading '0': one too large.
+      if (n <= kMaxDigits && digits >= kPow10[n]) {
         ++estimate;
         continue;
       }
-      if (buffer[0] == '0') {
+      if (digits < kPow10[n - 1]) {
         --estimate;
         continue;
       }
+      write_digits(buffer, digits, n);
       *result = {estimate, n, 0};
       return;
     }
-    char reversed[kMaxDigits];
     int count = 0;
-    for (; digits && count < kMaxDigits; ++count) {
-      kv::rt::div10_t<uint64_t> d = kv::rt::udiv10_64(digits);
-      reversed[count] = static_cast<char>('0' + d.rem);
-      digits = d.quot;
-    }
-    if (digits) {
+    while (count < kMaxDigits && digits >= kPow10[count])
+      ++count;
+    if (count == kMaxDigits && digits >= kPow10[kMaxDigits]) {
       fixed = 0;
       n = kMaxDigits;
       continue;
     }
-    for (int i = 0; i < count; ++i)
-      buffer[i] = reversed[count - 1 - i];
+    write_digits(buffer, digits, count);
     *result = {count - n - 1, count, 1};
     return;
   }

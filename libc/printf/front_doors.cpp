@@ -10,9 +10,15 @@ _printf_args words(va_list args) { return __builtin_bit_cast(_printf_args, args)
 
 int format_bounded(char *buffer, size_t size, const char *format, _printf_args args) {
   _snputc_sink sink = {buffer, size ? buffer + size - 1 : buffer};
-  int count = _printf_char_common(format, &sink, args, _snputc);
+  _printf_state state;
+  state.put_char = _snputc;
+  state.sink = &sink;
+  state.next_format_char = kv::printf::next_byte;
+  state.format_cursor = format;
+  state.wide_hook = nullptr;
+  int count = __printf(&state, args);
   if (size)
-    _sputc(0, &sink);
+    *sink.next = 0;
   return count;
 }
 
@@ -23,7 +29,7 @@ extern "C" int sprintf(char *buffer, const char *format, ...) {
   va_start(args, format);
   _sputc_sink sink = {buffer};
   int count = _printf_char_common(format, &sink, words(args), _sputc);
-  _sputc(0, &sink);
+  *sink.next = 0;
   va_end(args);
   return count;
 }

@@ -25,10 +25,10 @@ int octal(_printf_state *state, uint64_t v) {
     prefixlen = 1;
     --state->precision;
   }
-  int n = 0;
+  char *end = state->digits + sizeof state->digits, *first = end;
   for (; v; v >>= 3)
-    state->digits[n++] = static_cast<char>('0' + (v & 7));
-  return _printf_int_common(state, n, prefix, prefixlen);
+    *--first = static_cast<char>('0' + (v & 7));
+  return int_layout(state, first, static_cast<int>(end - first), prefix, prefixlen);
 }
 
 int hex(_printf_state *state, int letter, uint64_t v) {
@@ -44,13 +44,15 @@ int hex(_printf_state *state, int letter, uint64_t v) {
       prefixlen = 2;
     }
   }
-  int n = 0;
-  for (uint32_t hi = static_cast<uint32_t>(v >> 32), lo = static_cast<uint32_t>(v); lo | hi;) {
-    state->digits[n++] = table[lo & 15];
+  char *end = state->digits + sizeof state->digits, *first = end;
+  uint32_t hi = static_cast<uint32_t>(v >> 32), lo = static_cast<uint32_t>(v);
+  for (; hi; hi >>= 4) {
+    *--first = table[lo & 15];
     lo = lo >> 4 | hi << 28;
-    hi >>= 4;
   }
-  return _printf_int_common(state, n, prefix, prefixlen);
+  for (; lo; lo >>= 4)
+    *--first = table[lo & 15];
+  return int_layout(state, first, static_cast<int>(end - first), prefix, prefixlen);
 }
 
 } // namespace

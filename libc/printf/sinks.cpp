@@ -1,5 +1,10 @@
-// The memory sinks and the byte-format front end of the engine.
+// The memory sinks, and runs of characters: into a memory sink they are stored directly, into
+// any other sink one put_char call each.
 #include "printf/state.h"
+
+#if defined(__arm__)
+#include "runtime/block_memory.h"
+#endif
 
 KV_FUNCTION(protected, void, _sputc, (int ch, void *sink)) {
   auto *s = static_cast<_sputc_sink *>(sink);
@@ -13,17 +18,70 @@ KV_FUNCTION(protected, void, _snputc, (int ch, void *sink)) {
     *s->next++ = static_cast<char>(ch);
 }
 
-static int next_byte(_printf_state *state) {
-  return static_cast<unsigned char>(*state->format_cursor++);
+namespace kv::printf {
+namespace {
+
+// Where a run of n characters goes in a memory sink, with n cut to the room left; null for
+// any other sink.
+char *memory_run(_printf_state *state, int32_t &n) {
+  if (state->put_char == _snputc) {
+    auto *s = static_cast<_snputc_sink *>(state->sink);
+    char *next = s->next;
+    uintptr_t room = reinterpret_cast<uintptr_t>(s->end) - reinterpret_cast<uintptr_t>(next);
+    if (reinterpret_cast<uintptr_t>(next) >= reinterpret_cast<uintptr_t>(s->end))
+      room = 0;
+    if (static_cast<uint32_t>(n) > room)
+      n = static_cast<int32_t>(room);
+    s->next = next + n;
+    return next;
+  }
+  if (state->put_char == _sputc) {
+    auto *s = static_cast<_sputc_sink *>(state->sink);
+    char *next = s->next;
+    s->next = next + n;
+    return next;
+  }
+  return nullptr;
 }
 
-KV_FUNCTION(protected, int, _printf_char_common,
-            (const char *format, void *sink, _printf_args args, _printf_put_fn put_char)) {
-  _printf_state state;
-  state.put_char = put_char;
-  state.sink = sink;
-  state.next_format_char = next_byte;
-  state.format_cursor = format;
-  state.wide_hook = nullptr;
-  return __printf(&state, args);
+} // namespace
+
+void emit(_printf_state *state, const char *text, int32_t n) {
+  if (n <= 0)
+    return;
+  if (char *out = memory_run(state, n)) {
+    if (n >= 16) {
+#if defined(__arm__)
+      kv::mem_copy(out, text, static_cast<size_t>(n));
+#else
+      __builtin_memcpy(out, text, static_cast<size_t>(n));
+#endif
+      return;
+    }
+    // Two at a time: most runs are digits or short words.
+    for (; n >= 2; n -= 2, out += 2, text += 2) {
+      char a = text[0], b = text[1];
+      out[0] = a;
+      out[1] = b;
+    }
+    if (n)
+      *out = *text;
+    return;
+  }
+  for (int32_t i = 0; i < n; ++i)
+    put(state, static_cast<unsigned char>(text[i]));
 }
+
+void fill(_printf_state *state, int ch, int32_t n) {
+  if (n <= 0)
+    return;
+  if (char *out = memory_run(state, n)) {
+    for (int32_t i = 0; i < n; ++i)
+      out[i] = static_cast<char>(ch);
+    return;
+  }
+  for (int32_t i = 0; i < n; ++i)
+    put(state, ch);
+}
+
+} // namespace kv::printf

@@ -94,6 +94,17 @@ enum FpClass { fp_zero = 0, fp_infinite = 3, fp_subnormal = 4, fp_normal = 5, fp
 void pre_padding(_printf_state *state);
 void post_padding(_printf_state *state);
 
+// Runs of characters to the sink; the caller accounts for them in `count`.
+void emit(_printf_state *state, const char *text, int32_t n);
+void fill(_printf_state *state, int ch, int32_t n);
+
+// The reader of a NUL-terminated byte format; the engine reads such a format in place.
+int next_byte(_printf_state *state);
+
+// The field layout of an integer conversion whose digits stand in order at `digits`.
+int int_layout(_printf_state *state, const char *digits, int ndigits, const char *prefix,
+               int prefixlen);
+
 inline void put(_printf_state *state, int ch) { state->put_char(ch, state->sink); }
 
 // The double word at the next 8-byte-aligned argument address.

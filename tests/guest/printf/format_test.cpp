@@ -2,6 +2,7 @@
 #include <stdint.h>
 
 #include "cases.h"
+#include "printf/state.h"
 
 TEST(Printf, ParsingAndUnknownConversions) {
   const Case cases[] = {
@@ -150,4 +151,81 @@ TEST(Printf, SprintfTerminates) {
   EXPECT_EQ(sprintf(b, "%s=%04x", "key", 0xbeu), 8);
   EXPECT_STREQ(b, "key=00be");
   EXPECT_EQ(b[9], '#');
+}
+
+namespace {
+
+struct Rendered {
+  char text[96];
+  int length, count;
+};
+void collect_one(int ch, void *sink) {
+  auto *r = static_cast<Rendered *>(sink);
+  if (r->length < static_cast<int>(sizeof r->text))
+    r->text[r->length++] = static_cast<char>(ch);
+}
+// The same format one character per put_char call: a sink the engine cannot write into
+// directly.
+Rendered one_at_a_time(const char *format, ...) {
+  Rendered r{};
+  va_list args;
+  va_start(args, format);
+  r.count = _printf_char_common(format, &r, __builtin_bit_cast(const uint32_t *, args), collect_one);
+  va_end(args);
+  return r;
+}
+
+struct Sized {
+  char text[96];
+  int count;
+};
+Sized bounded(int size, const char *format, ...) {
+  Sized s;
+  for (char &c : s.text)
+    c = '#';
+  va_list args;
+  va_start(args, format);
+  s.count = vsnprintf(s.text, static_cast<size_t>(size), format, args);
+  va_end(args);
+  return s;
+}
+
+} // namespace
+
+// Runs written straight into memory must match the character-at-a-time output, and a bounded
+// buffer of every size must hold its prefix and never a byte more.
+TEST(Printf, MemorySinksMatchCharacterOutput) {
+  auto check = [](const Rendered &want, auto render) {
+    Sized full = render(static_cast<int>(sizeof full.text));
+    EXPECT_EQ(full.count, want.count);
+    bool same = full.count == want.length && full.text[want.length] == 0;
+    for (int i = 0; same && i < want.length; ++i)
+      same = full.text[i] == want.text[i];
+    EXPECT_TRUE(same);
+    for (int size = 0; size <= want.length + 1; ++size) {
+      Sized part = render(size);
+      EXPECT_EQ(part.count, want.count);
+      int kept = size ? (size - 1 < want.length ? size - 1 : want.length) : 0;
+      bool ok = true;
+      for (int i = 0; ok && i < kept; ++i)
+        ok = part.text[i] == want.text[i];
+      if (size)
+        ok = ok && part.text[kept] == 0;
+      for (int i = size ? kept + 1 : 0; ok && i < static_cast<int>(sizeof part.text); ++i)
+        ok = part.text[i] == '#';
+      EXPECT_TRUE(ok);
+    }
+  };
+  check(one_at_a_time("plain text, no conversions at all"),
+        [](int n) { return bounded(n, "plain text, no conversions at all"); });
+  check(one_at_a_time("%d|%5d|%-5d|%05d|%+.3d|%u", -42, 42, 42, 42, 7, 123456789u),
+        [](int n) { return bounded(n, "%d|%5d|%-5d|%05d|%+.3d|%u", -42, 42, 42, 42, 7, 123456789u); });
+  check(one_at_a_time("%x %#X %#o %p %lld", 0xBEEFu, 0xBEEFu, 8u, (void *)0x1234, -9000000000ll),
+        [](int n) { return bounded(n, "%x %#X %#o %p %lld", 0xBEEFu, 0xBEEFu, 8u, (void *)0x1234, -9000000000ll); });
+  check(one_at_a_time("[%s] [%.3s] [%20s] [%-20s]", "abcdefghijklmnopqrstu", "abcdef", "xy", "xy"),
+        [](int n) { return bounded(n, "[%s] [%.3s] [%20s] [%-20s]", "abcdefghijklmnopqrstu", "abcdef", "xy", "xy"); });
+  check(one_at_a_time("%c%c%%%q|%5%|%", 'a', 0),
+        [](int n) { return bounded(n, "%c%c%%%q|%5%|%", 'a', 0); });
+  check(one_at_a_time("%e %f %g|%-+12.4e|%012.2f|%#g", 6.02214076e23, 1234.5678, 0.1, -1.5, 3.25, 1.0),
+        [](int n) { return bounded(n, "%e %f %g|%-+12.4e|%012.2f|%#g", 6.02214076e23, 1234.5678, 0.1, -1.5, 3.25, 1.0); });
 }

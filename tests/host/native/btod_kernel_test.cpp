@@ -180,6 +180,39 @@ TEST(BtodKernel, DivisionRoundsTheExactQuotient) {
   }
 }
 
+// The unrounded quotient: 72 bits of it and the sticky bit, for divisors at the edges of the
+// reciprocal's range (top word all ones, a power of two, just above one) and at random.
+TEST(BtodKernel, DivisionDeliversSeventyTwoBitsAndSticky) {
+  std::mt19937_64 rng(5);
+  const uint64_t edges[] = {~0ull, 1ull << 63, (1ull << 63) | 1, 0xFFFFFFFF00000000ull,
+                            0x8000000100000000ull, 0xFFFFFFFEFFFFFFFFull};
+  for (int i = 0; i < 300000; ++i) {
+    uint64_t a = rng() | 1ull << 63, b = rng() | 1ull << 63;
+    if (i % 5 == 1)
+      b = edges[rng() % 6];
+    if (i % 5 == 2)
+      a = edges[rng() % 6];
+    if (i % 7 == 3)
+      a = b - (rng() & 0xFF) * (i % 2);
+    bool twice = a < b;
+    // floor(a 2^71 / b), or of 2a when a < b, and whether it was exact.
+    u128 num_hi = twice ? u128{a} << 1 : u128{a};
+    u128 q = 0, r = 0;
+    for (int bit = 64 + 71; bit >= 0; --bit) {
+      r = r << 1 | (bit >= 71 ? (num_hi >> (bit - 71)) & 1 : 0);
+      q <<= 1;
+      if (r >= b) {
+        r -= b;
+        q |= 1;
+      }
+    }
+    _btod_wide w = __btod_div_common(ext(a, 16383 + 5), ext(b, 16383));
+    ASSERT_EQ(w.mant, static_cast<uint64_t>(q >> 8)) << std::hex << a << " / " << b;
+    ASSERT_EQ(w.rest, (static_cast<uint64_t>(q & 0xFF) << 56) | (r != 0)) << std::hex << a << " / " << b;
+    ASSERT_EQ(w.exp, 16383 + 5 - twice);
+  }
+}
+
 // Rounded once to a double, the kernel agrees with the host's correctly rounded arithmetic,
 // subnormal results included.
 TEST(BtodKernel, DoubleResultsMatchTheHost) {
