@@ -11,13 +11,7 @@
 	.thumb
 	.text
 
-	.macro entry name
-	.global \name
-	.protected \name
-	.type \name, %function
-	.thumb_func
-\name:
-	.endm
+#include "support/asm_entry.h"
 
 	@ The body once the larger operand is known: alo:ahi larger, blo:bhi smaller, r6 = the
 	@ exponent difference. Only the heavy-cancellation exit reads the operands again, and the

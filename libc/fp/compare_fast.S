@@ -6,13 +6,7 @@
 	.thumb
 	.text
 
-	.macro entry name
-	.global \name
-	.protected \name
-	.type \name, %function
-	.thumb_func
-\name:
-	.endm
+#include "support/asm_entry.h"
 
 	@ Exponent field 0 or 0x7ff in the high word \hi: to the portable body \slow.
 	.macro ordinary hi, slow

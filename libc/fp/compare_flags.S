@@ -7,13 +7,7 @@
 	.thumb
 	.text
 
-	.macro entry name
-	.global \name
-	.protected \name
-	.type \name, %function
-	.thumb_func
-\name:
-	.endm
+#include "support/asm_entry.h"
 
 	.macro ordinary_double hi, slow
 	lsl	r12, \hi, #1

@@ -5,13 +5,7 @@
 	.thumb
 	.text
 
-	.macro entry name
-	.global \name
-	.protected \name
-	.type \name, %function
-	.thumb_func
-\name:
-	.endm
+#include "support/asm_entry.h"
 
 	@ Double to int32, truncating. |x| < 1 (zeros and subnormals too) gives 0.
 	.p2align 2

@@ -10,13 +10,7 @@
 	.thumb
 	.text
 
-	.macro entry name
-	.global \name
-	.protected \name
-	.type \name, %function
-	.thumb_func
-\name:
-	.endm
+#include "support/asm_entry.h"
 
 	@ Exponent field of \x (shifted left by one) outside [2, 0xfd]: to \slow.
 	.macro inner x, slow

@@ -10,20 +10,15 @@
 	.arm
 	.text
 
-	.macro entry name, vis
-	.global \name
-	.\vis \name
-	.type \name, %function
-\name:
-	.endm
+#include "support/asm_entry.h"
 
 	.p2align 2
-entry __aeabi_idiv, protected
-entry __aeabi_idivmod, protected
+arm_entry __aeabi_idiv, protected
+arm_entry __aeabi_idivmod, protected
 	cmp	r1, #0
 	beq	.Ldiv0
 	@ fall through
-entry __kv_sdiv32, hidden
+arm_entry __kv_sdiv32, hidden
 	push	{r4, r5, lr}
 	asr	r4, r0, #31		@ dividend sign: the remainder's
 	asr	r5, r1, #31
@@ -42,12 +37,12 @@ entry __kv_sdiv32, hidden
 	.size __aeabi_idivmod, . - __aeabi_idivmod
 	.size __aeabi_idiv, . - __aeabi_idiv
 
-entry __aeabi_uidiv, protected
-entry __aeabi_uidivmod, protected
+arm_entry __aeabi_uidiv, protected
+arm_entry __aeabi_uidivmod, protected
 	cmp	r1, #0
 	beq	.Ldiv0
 	@ fall through
-entry __kv_udiv32, hidden
+arm_entry __kv_udiv32, hidden
 	cmp	r0, r1
 	bls	.Lnot_above
 	sub	r2, r1, #1

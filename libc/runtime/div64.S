@@ -10,16 +10,11 @@
 	.arm
 	.text
 
-	.macro entry name, vis
-	.global \name
-	.\vis \name
-	.type \name, %function
-\name:
-	.endm
+#include "support/asm_entry.h"
 
 	.p2align 2
-entry __aeabi_ldivmod, protected
-entry _ll_sdiv, protected
+arm_entry __aeabi_ldivmod, protected
+arm_entry _ll_sdiv, protected
 	push	{r4, r5, r6, lr}
 	asr	r4, r1, #31		@ dividend sign: the remainder's
 	asr	r5, r3, #31
@@ -46,9 +41,9 @@ entry _ll_sdiv, protected
 	.size __aeabi_ldivmod, . - __aeabi_ldivmod
 
 	.p2align 2
-entry __aeabi_uldivmod, protected
-entry _ll_udiv, protected
-entry _ll_udiv_donemoving, protected
+arm_entry __aeabi_uldivmod, protected
+arm_entry _ll_udiv, protected
+arm_entry _ll_udiv_donemoving, protected
 	cmp	r3, #0
 	bne	.Lwide_divisor
 	cmp	r1, #0

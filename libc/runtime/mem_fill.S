@@ -6,13 +6,7 @@
 	.thumb
 	.text
 
-	.macro entry name, vis
-	.global \name
-	.\vis \name
-	.type \name, %function
-	.thumb_func
-\name:
-	.endm
+#include "support/asm_entry.h"
 
 	.p2align 2
 entry memset, hidden
