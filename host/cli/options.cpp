@@ -15,6 +15,7 @@ const option kLongOptions[] = {
     {"log", required_argument, nullptr, 'l'},
     {"trace", required_argument, nullptr, 't'},
     {"count", no_argument, nullptr, 'c'},
+    {"profile", required_argument, nullptr, 'p'},
     {"time-limit", required_argument, nullptr, 'T'},
     {"memory-limit", required_argument, nullptr, 'm'},
     {"fail", required_argument, nullptr, 'f'},
@@ -58,7 +59,7 @@ ParsedCommandLine parse_command_line(int argc, char *const argv[]) {
   opterr = 0;
   int c;
   // '+': options end at PROGRAM; what follows belongs to the program.
-  while ((c = getopt_long(argc, argv, "+:L:r:e:l:t:cT:m:f:F:h", kLongOptions, nullptr)) != -1) {
+  while ((c = getopt_long(argc, argv, "+:L:r:e:l:t:cp:T:m:f:F:h", kLongOptions, nullptr)) != -1) {
     std::string arg = optarg ? optarg : "";
     switch (c) {
     case 'L': o.library_path.push_back(arg); break;
@@ -71,6 +72,7 @@ ParsedCommandLine parse_command_line(int argc, char *const argv[]) {
     case 'l': o.log_path = arg; break;
     case 't': o.trace_path = arg; break;
     case 'c': o.count = true; break;
+    case 'p': o.profile_path = arg; break;
     case 'T':
       if (!(o.time_limit = parse_seconds(arg)))
         return fail("--time-limit wants a positive number of seconds, not '" + arg + "'");

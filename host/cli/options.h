@@ -19,6 +19,7 @@ struct Options {
   std::string log_path;   // "" nowhere, "-" standard error
   std::string trace_path; // likewise
   bool count = false;
+  std::string profile_path; // "" none, "-" standard error
   std::optional<double> time_limit; // seconds
   std::optional<uint64_t> memory_limit;
   uint32_t max_files = 256; // guest descriptors are numbered below this

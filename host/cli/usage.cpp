@@ -23,6 +23,8 @@ std::string usage_text() {
          "                            host lookup adds h_errno H; then the call decoded:\n"
          "                            NAME(ARGS) with paths and buffers shown\n"
          "  -c, --count               report the guest instructions executed, at exit\n"
+         "  -p, --profile FILE|-      at exit, guest instructions per function, most first\n"
+         "                            (a block is counted in the function where it starts)\n"
          "  -T, --time-limit SEC      stop the program after SEC seconds of wall time\n"
          "  -m, --memory-limit BYTES  cap on the program's mmap memory (suffixes K, M, G); mmap\n"
          "                            beyond it fails with ENOMEM\n"

@@ -33,6 +33,7 @@ public:
   void count_instructions();
   // Instructions executed so far (0 unless counting).
   uint64_t instructions() const { return counter_ ? counter_->count() : 0; }
+  const InstructionCounter *counter() const { return counter_.get(); }
   void set_deadline(Watchdog::Clock::time_point deadline);
 
   // Calls fn (Thumb bit 0 honoured) with up to four arguments in r0..r3, the stack pointer sp

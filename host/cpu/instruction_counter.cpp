@@ -36,8 +36,9 @@ void InstructionCounter::on_block(uc_engine *uc, uint64_t addr, uint32_t size, v
     uint32_t n = 0;
     if (size && uc_mem_read(uc, addr, code.data(), size) == UC_ERR_OK)
       n = count_instructions(code.data(), size, cpsr & (1u << 5));
-    b = Block{size, n};
+    b = Block{size, n, 0};
   }
+  ++b.runs;
   c->count_ += b.instructions;
 }
 

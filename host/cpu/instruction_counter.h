@@ -22,6 +22,12 @@ public:
   InstructionCounter &operator=(const InstructionCounter &) = delete;
 
   uint64_t count() const { return count_; }
+  // Calls fn(block address, instructions executed there) for every block run so far.
+  template <typename Fn> void each_block(Fn fn) const {
+    for (auto &[addr, b] : blocks_)
+      if (b.runs)
+        fn(addr, b.runs * b.instructions);
+  }
   // While paused (kvrun re-running code to locate a fault) nothing is counted.
   void pause(bool paused) { paused_ = paused; }
 
@@ -30,6 +36,7 @@ private:
 
   struct Block {
     uint32_t size, instructions;
+    uint64_t runs;
   };
   uc_engine *uc_;
   uc_hook hook_ = 0;

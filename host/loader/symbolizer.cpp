@@ -37,9 +37,8 @@ const Symbol *nearest(const std::vector<Symbol> &symbols, const LoadedObject &o,
   return best;
 }
 
-} // namespace
-
-std::string describe_address(const std::vector<LoadedObject> &objects, uint32_t addr) {
+std::string name_address(const std::vector<LoadedObject> &objects, uint32_t addr,
+                         bool with_offset) {
   for (auto &o : objects) {
     if (!o.contains(addr))
       continue;
@@ -48,10 +47,20 @@ std::string describe_address(const std::vector<LoadedObject> &objects, uint32_t 
     if (!sym && o.elf.dynamic())
       sym = nearest(o.elf.dynamic()->symbols, o, addr, start);
     if (!sym)
-      return o.name + offset_text(addr - o.lo);
-    return sym->name + offset_text(addr - start) + " in " + o.name;
+      return o.name + (with_offset ? offset_text(addr - o.lo) : "");
+    return sym->name + (with_offset ? offset_text(addr - start) : "") + " in " + o.name;
   }
   return "unknown";
+}
+
+} // namespace
+
+std::string describe_address(const std::vector<LoadedObject> &objects, uint32_t addr) {
+  return name_address(objects, addr, true);
+}
+
+std::string function_at(const std::vector<LoadedObject> &objects, uint32_t addr) {
+  return name_address(objects, addr, false);
 }
 
 } // namespace kvrun

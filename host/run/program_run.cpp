@@ -18,6 +18,7 @@
 #include "memory/region_allocator.h"
 #include "run/fault_report.h"
 #include "run/initial_stack.h"
+#include "run/profile.h"
 #include "run/service_bridge.h"
 #include "services/host_output.h"
 #include "services/process.h"
@@ -97,6 +98,9 @@ RunResult run_program(const Options &o) {
     return {usage_error(o, "cannot open log " + o.log_path + ": " + std::strerror(errno)), 0};
   if (!trace.open(o.trace_path, o.stderr_fd))
     return {usage_error(o, "cannot open trace " + o.trace_path + ": " + std::strerror(errno)), 0};
+  Sink profile;
+  if (!profile.open(o.profile_path, o.stderr_fd))
+    return {usage_error(o, "cannot open profile " + o.profile_path + ": " + std::strerror(errno)), 0};
 
   try {
     Engine engine;
@@ -129,7 +133,7 @@ RunResult run_program(const Options &o) {
       return {usage_error(o, "the program's arguments do not fit on its stack"), 0};
 
     Cpu cpu(engine, layout::kSentinelPage);
-    if (o.count)
+    if (o.count || !o.profile_path.empty())
       cpu.count_instructions();
     if (o.time_limit) {
       auto limit = std::chrono::duration_cast<Watchdog::Clock::duration>(
@@ -142,6 +146,8 @@ RunResult run_program(const Options &o) {
       uint64_t n = cpu.instructions();
       if (o.count)
         write_all(o.stderr_fd, "kvrun: " + std::to_string(n) + " guest instructions\n");
+      if (profile.fd() >= 0 && cpu.counter())
+        write_all(profile.fd(), profile_report(*cpu.counter(), program.objects));
       return RunResult{status, n};
     };
 

@@ -49,6 +49,23 @@ TEST(InstructionCount, ExactForAKnownProgram) {
   EXPECT_EQ(r.instructions, 310u);
 }
 
+// The same program by function: every instruction in the function where its block starts.
+TEST(InstructionCount, ProfileSplitsTheCountByFunction) {
+  Captured c = run_kvrun({"--profile", "-", loader_program("loader_count")});
+  EXPECT_EQ(c.status, 9);
+  EXPECT_EQ(c.err, "  instructions   share  function\n"
+                   "           308  99.35%  main in loader_count\n"
+                   "             2   0.65%  arm_part in loader_count\n");
+  TempDir dir;
+  std::string file = dir.path() + "/profile.txt";
+  c = run_kvrun({"-p", file, "--count", loader_program("loader_count")});
+  EXPECT_EQ(c.err, "kvrun: 310 guest instructions\n");
+  std::vector<uint8_t> bytes = read_file(file);
+  EXPECT_NE(std::string(bytes.begin(), bytes.end()).find("308  99.35%  main in loader_count"),
+            std::string::npos);
+  EXPECT_EQ(run_kvrun({"-p", dir.path() + "/no/such/dir/p", loader_program("loader_count")}).status, 125);
+}
+
 TEST(InstructionCount, DeterministicAndOnlyWhenAsked) {
   auto args = [](bool count) {
     std::vector<std::string> a{"-L", KV_LOADER_PROGRAMS};

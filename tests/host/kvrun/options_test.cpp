@@ -91,7 +91,7 @@ TEST(Options, HelpTellsEveryOptionAndStatus) {
   EXPECT_EQ(r.err, "");
   for (const char *text : {"--library-path DIR", "--root DIR", "--env NAME=VALUE", "--log FILE|-",
                            "--trace FILE|-", "--count", "--time-limit SEC", "--memory-limit BYTES",
-                           "--fail N:E[:K]", "--max-files N", "--help", KV_DEFAULT_LIBDIR, "124", "125", "126",
+                           "--fail N:E[:K]", "--max-files N", "--profile FILE|-", "--help", KV_DEFAULT_LIBDIR, "124", "125", "126",
                            "127", "132", "139"})
     EXPECT_NE(r.out.find(text), std::string::npos) << text;
   EXPECT_EQ(run_kvrun({"-h", "ignored"}).status, 0);
