@@ -2,7 +2,7 @@
 # Runs the guest benchmarks under kvrun and prints guest instructions per operation, with wall
 # times for the figures that are about the host (trap round trip, instruction rate, services
 # against the host's own system calls).
-#   bench/run.sh [BUILD [fp]]   with fp, only the soft-float table
+#   bench/run.sh [BUILD [fp|heap]]   with fp or heap, only that table
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}
@@ -62,6 +62,68 @@ cfcmple __aeabi_cfcmple <=20
 fsqrt _fsqrt~(peer:~libm~sqrtf) -
 ROWS
 }
+heap_table() {
+  # The allocator on bench/heap.cpp's trace, this library against newlib's malloc built from
+  # the same source. The trace's phases each hold one kind of call: runs that stop at
+  # consecutive phase ends, less the same runs around an empty function, give each phase's cost.
+  local peer="$build/bench-peer/bench_heap_peer"
+  mkdir -p "$(dirname "$peer")"
+  bench/peer.sh "$peer" heap.cpp
+  local ours_stats theirs_stats
+  ours_stats=$("$kvrun" "$bench/bench_heap" stats)
+  theirs_stats=$("$kvrun" "$peer" stats)
+  per_kind() { # program stats -> "per-malloc per-free"
+    local prog=$1 stats=$2 phases i r0=0 e0=0 r e ops cost m=0 f=0
+    phases=$(awk '$1 == "phases" { print $2 }' <<<"$stats")
+    mapfile -t ops < <(awk '$1 ~ /_phase$/ { print $2 }' <<<"$stats")
+    for ((i = 0; i < phases; i++)); do
+      r=$(count "$prog" trace $((i + 1)))
+      e=$(count "$prog" empty:trace $((i + 1)))
+      if ((i > 0)); then
+        cost=$(( (r - r0) - (e - e0) + ops[i] ))
+        if ((i % 2)); then m=$((m + cost)); else f=$((f + cost)); fi
+      else
+        # The first phase frees nothing: its runs are the start-up both variants share.
+        [ "${ops[0]}" = 0 ] || { echo "heap: the trace must open with an empty phase" >&2; exit 1; }
+      fi
+      r0=$r; e0=$e
+    done
+    local nm nf
+    nm=$(awk '$1 == "mallocs" { print $2 }' <<<"$stats")
+    nf=$(awk '$1 == "frees" { print $2 }' <<<"$stats")
+    echo "$(calc "$m / $nm") $(calc "$f / $nf")"
+  }
+  per_step() { # program -> guest instructions per realloc growth step (4095 steps)
+    local a e
+    a=$(count "$1" realloc); e=$(count "$1" empty:realloc)
+    calc "($a - $e) / 4095 + 1"
+  }
+  field() { awk -v k="$2" '$1 == k { print $2 }' <<<"$1"; }
+  read -r om of < <(per_kind "$bench/bench_heap" "$ours_stats")
+  read -r tm tf < <(per_kind "$peer" "$theirs_stats")
+  local live
+  live=$(field "$ours_stats" live_peak)
+  echo
+  printf '%-44s %10s %10s %16s\n' "heap (guest instructions, bytes, requests)" "kvlibc" "newlib" "goal"
+  printf '%-44s %10.1f %10.1f %16s\n' "malloc, 10000-op trace" "$om" "$tm" "<=50"
+  printf '%-44s %10.1f %10.1f %16s\n' "free, 10000-op trace" "$of" "$tf" "<=40"
+  printf '%-44s %10.1f %10.1f %16s\n' "realloc growth step, 16 B to 64 KiB" \
+    "$(per_step "$bench/bench_heap")" "$(per_step "$peer")" "<=50"
+  printf '%-44s %10d %10d %16s\n' "peak footprint of the trace (bytes)" \
+    "$(field "$ours_stats" footprint_peak)" "$(field "$theirs_stats" footprint_peak)" \
+    "<=$(calc "int($live * 1.1 + 16384)")"
+  printf '%-44s %10d %10s %16s\n' "  peak live bytes" "$live" "" ""
+  printf '%-44s %10s %10s %16s\n' "map / unmap requests (newlib: sbrk)" \
+    "$(field "$ours_stats" maps)/$(field "$ours_stats" unmaps)" \
+    "$(field "$theirs_stats" maps)/$(field "$theirs_stats" unmaps)" ""
+  printf '%-44s %10s %10s %16s\n' "  of them after the first round" \
+    "$(field "$ours_stats" steady_maps)/$(field "$ours_stats" steady_unmaps)" \
+    "$(field "$theirs_stats" steady_maps)/$(field "$theirs_stats" steady_unmaps)" "no thrashing"
+}
+if [ "$only" = heap ]; then
+  heap_table
+  exit 0
+fi
 if [ "$only" = fp ]; then
   fp_table
   exit 0
@@ -147,6 +209,7 @@ uldivmod __aeabi_uldivmod~(random~bit~lengths) <=100
 ROWS
 
 fp_table
+heap_table
 
 # Formatted output: guest instructions per snprintf into a 64-byte buffer.
 echo

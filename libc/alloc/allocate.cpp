@@ -120,7 +120,10 @@ void set_top(Chunk *p, size_t size) {
   state.trim_check = params.trim_threshold;
 }
 
-void *allocate_locked(size_t bytes) {
+namespace {
+
+// With the lock held.
+__attribute__((always_inline)) inline void *allocate_locked(size_t bytes) {
   size_t nb;
   if (bytes <= kMaxSmallRequest) {
     nb = request_to_chunk(bytes);
@@ -182,6 +185,8 @@ void *allocate_locked(size_t bytes) {
   }
   return system_allocate(nb);
 }
+
+} // namespace
 
 void *allocate(size_t bytes) {
   ensure_params();

@@ -5,6 +5,11 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include "posix/mutex_hooks.h"
+
+// Hidden, so that the heap's code reaches its records without going through the GOT.
+#pragma GCC visibility push(hidden)
+
 namespace kv::heap {
 
 struct Chunk {
@@ -145,8 +150,14 @@ inline void ensure_params() {
   if (__builtin_expect(params.page_size == 0, 0))
     ensure_params_slow();
 }
-void lock();
-void unlock();
+inline void lock() {
+  if (state.flags & kUseLock)
+    __mutex_acquire(&state.lock);
+}
+inline void unlock() {
+  if (state.flags & kUseLock)
+    __mutex_release(&state.lock);
+}
 
 // Bins (bins.cpp).
 inline void insert_small(Chunk *p, size_t s) {
@@ -193,8 +204,6 @@ inline void unlink_chunk(Chunk *p, size_t s) {
 }
 void init_bins();
 
-// Allocation and release with the lock held by the caller.
-void *allocate_locked(size_t bytes);
 void *allocate(size_t bytes);
 void release(void *mem);
 void set_top(Chunk *p, size_t size);
@@ -206,3 +215,5 @@ bool trim(size_t pad);
 void set_enomem();
 
 } // namespace kv::heap
+
+#pragma GCC visibility pop

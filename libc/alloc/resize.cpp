@@ -49,7 +49,8 @@ void *resize(void *mem, size_t bytes) {
   }
   unlock();
   if (in_place) {
-    release(cut_off);
+    if (cut_off)
+      release(cut_off);
     return mem;
   }
   void *fresh = allocate(bytes);

@@ -37,16 +37,6 @@ void ensure_params_slow() {
     abort();
 }
 
-void lock() {
-  if (state.flags & kUseLock)
-    __mutex_acquire(&state.lock);
-}
-
-void unlock() {
-  if (state.flags & kUseLock)
-    __mutex_release(&state.lock);
-}
-
 void corrupted() { abort(); }
 
 // The lock stays held: nothing may touch the heap on the way out.
