@@ -67,6 +67,10 @@ TEST(Printf, Integers) {
       {format("%d %lld %d", 1, 2ll, 3), "1 2 3", 5},
       {format("%#llX", 0xabcull), "0XABC", 5},
       {format("%ld %lx", 123l, 0xabcul), "123 abc", 7},
+      // Hex digits come a byte at a time: odd and even counts, zeros inside and at the ends.
+      {format("%x %x %x %x %x", 1u, 0x10u, 0x100u, 0xf00fu, 0x10000u), "1 10 100 f00f 10000", 19},
+      {format("%llx %llX", 0x100000001ull, 0xF00000000ull), "100000001 F00000000", 19},
+      {format("%llx", 0x8000000000000000ull), "8000000000000000", 16},
   };
   CHECK_CASES(cases);
 }
