@@ -1,19 +1,25 @@
 // The library's initialisation and finalisation functions, run by the loader.
 #include <kv/syscall.h>
 #include <stddef.h>
+#include <stdint.h>
 
 #include "alloc/malloc.h"
 #include "bridge/debug_log.h"
 #include "bridge/errno_cells.h"
+#include "bridge/exceptions.h"
+#include "bridge/shutdown.h"
 #include "bridge/version.h"
 #include "locale/record.h"
+#include "stdio/stream.h"
 
 extern "C" char **environ;
+extern "C" uint32_t *__rt_fp_status_addr(void);
 
 namespace kv {
 namespace {
 
 constexpr size_t kFirstEnvironSize = 50;
+constexpr size_t kConsoleBufferSize = 256;
 
 // The system side writes the environ block into the buffer and answers 0, or answers the size
 // it needs; one retry with that size.
@@ -27,10 +33,20 @@ void copy_environment() {
   }
 }
 
+void initialise_core() {
+  *__rt_fp_status_addr() = 0;
+  locale::init_record();
+  stdio::initialise_streams();
+  set_up_exceptions();
+}
+
 __attribute__((constructor)) void library_init() {
   debug_log("KV: (248) ***** <libc.so based on %s> *****\n", version_text());
-  locale::init_record();
-  // Clearing the cells performs both address handshakes before anything can fail.
+  initialise_core();
+  freopen("__stderr__", "w+", stderr);
+  setvbuf(stdout, nullptr, stdio::kLineBuffered, kConsoleBufferSize);
+  setvbuf(stderr, nullptr, stdio::kLineBuffered, kConsoleBufferSize);
+  // Clearing the cells performs both address handshakes before the environment is read.
   *___aeabi_errno_addr() = 0;
   *___h_errno_addr() = 0;
   debug_log("KV: (264) environ addr %08x\n", reinterpret_cast<unsigned>(&environ));
@@ -40,6 +56,7 @@ __attribute__((constructor)) void library_init() {
 }
 
 __attribute__((destructor)) void library_end() {
+  shutdown_core();
   debug_log("KV: (306) ***** </libc.so> *****\n");
 }
 

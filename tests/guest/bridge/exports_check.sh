@@ -39,7 +39,17 @@ done
 for f in __mutex_initialize __mutex_acquire __mutex_release __mutex_destroy; do
   expect "$f" WEAK FUNC
 done
-for f in abort mallopt malloc_trim; do expect "$f" GLOBAL FUNC; done
+for f in abort mallopt malloc_trim isatty _exit __rt_SIGRTRED __ARM_exceptions_buffer_init \
+         __ARM_exceptions_buffer_allocate __ARM_exceptions_buffer_free _sys_open _sys_close \
+         _sys_read _sys_write _sys_flen _sys_seek _sys_istty _sys_exit _ttywrch __filbuf \
+         __filbuf_byte __flsbuf __flsbuf_wide _writebuf _readbuf _fflush _do_fflush \
+         _flushlinebuffered _deferredlazyseek _fseek _ftell_internal _ungetc_internal \
+         _fclose_internal _seterr _seteof __backspace _printf_char_file; do
+  expect "$f" GLOBAL FUNC
+done
+for v in stdin stdout stderr __aeabi_stdin __aeabi_stdout __aeabi_stderr _stream_list_lock; do
+  expect "$v" GLOBAL OBJECT
+done
 for f in __user_libspace __user_perproc_libspace __user_perthread_libspace; do
   expect "$f" WEAK FUNC
 done
@@ -50,7 +60,8 @@ expect __lcnull_start GLOBAL OBJECT
 for f in __rt_ctype_table _setlocale_r _get_lconv nl_langinfo; do expect "$f" GLOBAL FUNC; done
 for f in printf fprintf sprintf malloc free calloc realloc strlen strcmp strcpy memcpy memset \
          memmove memcmp fopen fclose puts putchar exit __kv_trap debug_log setlocale localeconv \
-         isalpha isdigit isspace toupper tolower; do
+         isalpha isdigit isspace toupper tolower fgetc fputc fputs fflush freopen setvbuf fseek \
+         ftell ungetc clearerr feof ferror; do
   absent "$f"
 done
 # Nothing undefined but the optional weak hooks.

@@ -14,12 +14,24 @@ int *___aeabi_errno_addr(void);
 }
 
 namespace {
-int acquired, released, initialised;
+int acquired, released;
 uint32_t *held;
+// Every lock word the library initialised (the streams have theirs too).
+uint32_t *initialised[16];
+int initialised_count;
+
+int times_initialised(const uint32_t *lock) {
+  int n = 0;
+  for (int i = 0; i < initialised_count && i < 16; ++i)
+    n += initialised[i] == lock;
+  return n;
+}
 } // namespace
 
-extern "C" int __mutex_initialize(uint32_t *) {
-  ++initialised;
+extern "C" int __mutex_initialize(uint32_t *m) {
+  if (initialised_count < 16)
+    initialised[initialised_count] = m;
+  ++initialised_count;
   return 0;
 }
 extern "C" int __mutex_acquire(uint32_t *m) {
@@ -60,7 +72,7 @@ TEST(HeapLocks, EachCallTakesAndReleasesTheLock) {
     EXPECT_EQ(acquired - a0, row.locks);
     EXPECT_EQ(released - r0, acquired - a0);
   }
-  EXPECT_EQ(initialised, 1); // the heap lock, once
+  EXPECT_EQ(times_initialised(held), 1); // the heap lock, once
 }
 
 TEST(HeapLocks, PosixMemalignAnswers) {

@@ -1,0 +1,26 @@
+// Formatted output to a stream: the engine's character sink is the stream's inline write path,
+// under the stream's lock for the whole call.
+#include <stdarg.h>
+
+#include "printf/state.h"
+#include "stdio/stream.h"
+
+namespace {
+void put_stream(int ch, void *sink) { kv::stdio::put_char(ch, static_cast<FILE *>(sink)); }
+} // namespace
+
+KV_FUNCTION(protected, int, _printf_char_file, (const char *format, FILE *s, _printf_args args)) {
+  kv::stdio::lock(s);
+  int count = _printf_char_common(format, s, args, put_stream);
+  bool failed = (s->flags & kv::stdio::kError) != 0;
+  kv::stdio::unlock(s);
+  return failed ? -1 : count;
+}
+
+extern "C" int fprintf(FILE *s, const char *format, ...) {
+  va_list args;
+  va_start(args, format);
+  int count = _printf_char_file(format, s, __builtin_bit_cast(_printf_args, args));
+  va_end(args);
+  return count;
+}
