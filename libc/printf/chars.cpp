@@ -35,6 +35,15 @@ KV_PRINTF_HANDLER(_printf_string) {
   const char *text = reinterpret_cast<const char *>(static_cast<uintptr_t>(args[0]));
   if (!text)
     text = "(null)";
+  // No limit and no padding to place: the length can come out of the copy itself.
+  if (!(state->flags & PF_PRECISION) && state->width <= 0 && !state->wide_hook) {
+    int32_t length = emit_string(state, text);
+    if (length >= 0) {
+      state->count += length;
+      state->width -= length;
+      return 1;
+    }
+  }
   int32_t length;
   if (state->flags & PF_PRECISION) {
     int32_t limit = state->precision;

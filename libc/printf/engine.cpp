@@ -208,6 +208,30 @@ template <typename Reader> int interpret(Reader &in, _printf_args args) {
 
 } // namespace
 
+namespace kv::printf {
+
+// The memory front doors' way in: their format is bytes, so the reader is never called and the
+// cursor is nobody's business afterwards. A format that is one bare conversion goes straight to
+// its handler.
+int format_bytes(_printf_state *state, const char *format, _printf_args args) {
+  unsigned c = static_cast<unsigned char>(format[1]);
+  if (format[0] == '%' && c - 'a' < 26 && (kBareLetters >> (c - 'a') & 1) && format[2] == 0) {
+    state->count = 0;
+    state->flags = 0;
+    state->width = 0;
+    state->precision = 0;
+    if (_printf_dispatch(state, static_cast<int>(c), args) == 0) {
+      put(state, static_cast<int>(c));
+      ++state->count;
+    }
+    return state->count;
+  }
+  ByteReader in{state, reinterpret_cast<const unsigned char *>(format)};
+  return interpret(in, args);
+}
+
+} // namespace kv::printf
+
 KV_FUNCTION(protected, int, __printf, (_printf_state * state, _printf_args args)) {
   if (state->next_format_char == next_byte) {
     ByteReader in{state, reinterpret_cast<const unsigned char *>(state->format_cursor)};

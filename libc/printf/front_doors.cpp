@@ -13,10 +13,8 @@ int format_bounded(char *buffer, size_t size, const char *format, _printf_args a
   _printf_state state;
   state.put_char = _snputc;
   state.sink = &sink;
-  state.next_format_char = kv::printf::next_byte;
-  state.format_cursor = format;
   state.wide_hook = nullptr;
-  int count = __printf(&state, args);
+  int count = kv::printf::format_bytes(&state, format, args);
   if (size)
     *sink.next = 0;
   return count;

@@ -1,6 +1,7 @@
 // The memory sinks, and runs of characters: into a memory sink they are stored directly, into
 // any other sink one put_char call each.
 #include "printf/state.h"
+#include "string/string_internal.h"
 
 #if defined(__arm__)
 #include "runtime/block_memory.h"
@@ -32,6 +33,12 @@ inline void copy_word(char *to, const char *from) {
   __builtin_memcpy(to, from, 4);
 #endif
 }
+
+#if defined(__arm__)
+inline void store_word(char *to, uint32_t w) {
+  __asm__("str %1, %0" : "=m"(*reinterpret_cast<char(*)[4]>(to)) : "r"(w));
+}
+#endif
 
 // Where a run of n characters goes in a memory sink, with n cut to the room left; null for
 // any other sink.
@@ -79,6 +86,53 @@ void emit(_printf_state *state, const char *text, int32_t n) {
   }
   for (int32_t i = 0; i < n; ++i)
     put(state, static_cast<unsigned char>(text[i]));
+}
+
+int32_t emit_string(_printf_state *state, const char *text) {
+  char **next;
+  uint32_t room;
+  if (state->put_char == _snputc) {
+    auto *s = static_cast<_snputc_sink *>(state->sink);
+    next = &s->next;
+    room = reinterpret_cast<uintptr_t>(s->end) - reinterpret_cast<uintptr_t>(s->next);
+    if (reinterpret_cast<uintptr_t>(s->next) >= reinterpret_cast<uintptr_t>(s->end))
+      room = 0;
+  } else if (state->put_char == _sputc) {
+    next = &static_cast<_sputc_sink *>(state->sink)->next;
+    room = UINT32_MAX;
+  } else {
+    return -1;
+  }
+  const char *p = text;
+  char *out = *next;
+#if defined(__arm__)
+  // Aligned loads never reach into the next page, whatever follows the terminator.
+  for (; reinterpret_cast<uintptr_t>(p) & 3; ++p, --room) {
+    if (!*p)
+      goto found;
+    if (!room)
+      goto cut;
+    *out++ = *p;
+  }
+  for (; room >= 4; p += 4, out += 4, room -= 4) {
+    uint32_t w;
+    __builtin_memcpy(&w, __builtin_assume_aligned(p, 4), 4);
+    if ((w - 0x01010101u) & ~w & 0x80808080u)
+      break;
+    store_word(out, w);
+  }
+#endif
+  for (; room; ++p, --room) {
+    if (!*p)
+      goto found;
+    *out++ = *p;
+  }
+cut:
+  *next = out;
+  return static_cast<int32_t>(p - text + strlen(p));
+found:
+  *next = out;
+  return static_cast<int32_t>(p - text);
 }
 
 void fill(_printf_state *state, int ch, int32_t n) {

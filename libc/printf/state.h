@@ -97,9 +97,15 @@ void post_padding(_printf_state *state);
 // Runs of characters to the sink; the caller accounts for them in `count`.
 void emit(_printf_state *state, const char *text, int32_t n);
 void fill(_printf_state *state, int ch, int32_t n);
+// A whole NUL-terminated string into a memory sink, cut to the room left; returns its full
+// length, or -1 (nothing written) when the sink is not memory.
+int32_t emit_string(_printf_state *state, const char *text);
 
 // The reader of a NUL-terminated byte format; the engine reads such a format in place.
 int next_byte(_printf_state *state);
+
+// __printf over a NUL-terminated byte format, for front doors that need no cursor afterwards.
+int format_bytes(_printf_state *state, const char *format, _printf_args args);
 
 // The field layout of an integer conversion whose digits stand in order at `digits`.
 int int_layout(_printf_state *state, const char *digits, int ndigits, const char *prefix,

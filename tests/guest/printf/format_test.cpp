@@ -71,6 +71,19 @@ TEST(Printf, Integers) {
       {format("%x %x %x %x %x", 1u, 0x10u, 0x100u, 0xf00fu, 0x10000u), "1 10 100 f00f 10000", 19},
       {format("%llx %llX", 0x100000001ull, 0xF00000000ull), "100000001 F00000000", 19},
       {format("%llx", 0x8000000000000000ull), "8000000000000000", 16},
+      // A whole format of one conversion goes straight to its handler.
+      {format("%x", 0xdeadbeefu), "deadbeef", 8},
+      {format("%x", 0u), "0", 1},
+      {format("%x", 0x7u), "7", 1},
+      {format("%x", 0x80000000u), "80000000", 8},
+      {format("%X", 0xabcdef12u), "ABCDEF12", 8},
+      {format("%d", -2147483647 - 1), "-2147483648", 11},
+      {format("%u", 0u), "0", 1},
+      {format("%q"), "q", 1},
+      {format("%h"), "", 0},
+      {format("%llX", 0x123456789ABCDEF0ull), "123456789ABCDEF0", 16},
+      {format("%llx", 0xf0000000ull), "f0000000", 8},
+      {format("%llx", 0x1f0000000ull), "1f0000000", 9},
   };
   CHECK_CASES(cases);
 }
@@ -228,6 +241,19 @@ TEST(Printf, MemorySinksMatchCharacterOutput) {
         [](int n) { return bounded(n, "%x %#X %#o %p %lld", 0xBEEFu, 0xBEEFu, 8u, (void *)0x1234, -9000000000ll); });
   check(one_at_a_time("[%s] [%.3s] [%20s] [%-20s]", "abcdefghijklmnopqrstu", "abcdef", "xy", "xy"),
         [](int n) { return bounded(n, "[%s] [%.3s] [%20s] [%-20s]", "abcdefghijklmnopqrstu", "abcdef", "xy", "xy"); });
+  // A format that is one bare conversion, and strings copied while their end is looked for:
+  // every alignment of the text, and cuts before, inside and after it.
+  check(one_at_a_time("%d", -123456789), [](int n) { return bounded(n, "%d", -123456789); });
+  check(one_at_a_time("%x", 0xdeadbeefu), [](int n) { return bounded(n, "%x", 0xdeadbeefu); });
+  check(one_at_a_time("%q"), [](int n) { return bounded(n, "%q"); });
+  check(one_at_a_time("%c", 'z'), [](int n) { return bounded(n, "%c", 'z'); });
+  static const char text[] = "abcdefghijklmnopqrstuvwxyz0123456789";
+  for (int offset = 0; offset < 8; ++offset) {
+    check(one_at_a_time("%s", text + offset), [offset](int n) { return bounded(n, "%s", text + offset); });
+    check(one_at_a_time("<%s>", text + offset), [offset](int n) { return bounded(n, "<%s>", text + offset); });
+  }
+  check(one_at_a_time("%s", ""), [](int n) { return bounded(n, "%s", ""); });
+  check(one_at_a_time("%s|%0s|%-0s", "abc", "de", "f"), [](int n) { return bounded(n, "%s|%0s|%-0s", "abc", "de", "f"); });
   check(one_at_a_time("%c%c%%%q|%5%|%", 'a', 0),
         [](int n) { return bounded(n, "%c%c%%%q|%5%|%", 'a', 0); });
   check(one_at_a_time("%e %f %g|%-+12.4e|%012.2f|%#g", 6.02214076e23, 1234.5678, 0.1, -1.5, 3.25, 1.0),
