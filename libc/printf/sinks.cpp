@@ -127,7 +127,9 @@ int32_t emit_string(_printf_state *state, const char *text) {
       goto found;
     *out++ = *p;
   }
-cut:
+#if defined(__arm__)
+cut: // the buffer is full: the rest of the string is only counted
+#endif
   *next = out;
   return static_cast<int32_t>(p - text + strlen(p));
 found:
