@@ -1,12 +1,43 @@
 // Guest instructions per snprintf into a 64-byte buffer:
 //   printf OP N         N calls for one row (d x s g17 f e g)
 //   printf empty:OP N   the same loop and arguments around an empty function (calibration)
-// The per-call figure is (count(OP) - count(empty:OP)) / N + 1, as for the runtime rows.
+// The per-call figure is (count(OP) - count(empty:OP)) / N + 1, as for the runtime rows. With
+// -DKV_BENCH_PEER the same source measures a peer C library's snprintf.
 #include <stddef.h>
 #include <stdint.h>
 
 #include "bench_args.h"
+
+#ifdef KV_BENCH_PEER
+// The peer's snprintf, and what its floating conversions and error paths link against: an
+// sbrk over a static arena (they allocate) and stubs that do nothing.
+extern "C" {
+int snprintf(char *, size_t, const char *, ...);
+alignas(16) char peer_arena[1u << 20];
+char *peer_brk = peer_arena;
+void *_sbrk(ptrdiff_t incr) {
+  char *old = peer_brk;
+  if (incr > peer_arena + sizeof peer_arena - old || incr < peer_arena - old)
+    return reinterpret_cast<void *>(-1);
+  peer_brk = old + incr;
+  return old;
+}
+void _exit(int) {
+  for (;;)
+    ;
+}
+int _kill(int, int) { return -1; }
+int _getpid() { return 1; }
+int _write(int, const void *, size_t n) { return static_cast<int>(n); }
+int _read(int, void *, size_t) { return 0; }
+int _close(int) { return -1; }
+int _lseek(int, int, int) { return -1; }
+int _fstat(int, void *) { return -1; }
+int _isatty(int) { return 0; }
+}
+#else
 #include "printf/printf.h"
+#endif
 
 using Fn = int (*)(char *, size_t, const char *, ...);
 

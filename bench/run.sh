@@ -2,7 +2,7 @@
 # Runs the guest benchmarks under kvrun and prints guest instructions per operation, with wall
 # times for the figures that are about the host (trap round trip, instruction rate, services
 # against the host's own system calls).
-#   bench/run.sh [BUILD [fp|heap]]   with fp or heap, only that table
+#   bench/run.sh [BUILD [fp|heap|printf]]   with fp, heap or printf, only that table
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}
@@ -120,6 +120,35 @@ heap_table() {
     "$(field "$ours_stats" steady_maps)/$(field "$ours_stats" steady_unmaps)" \
     "$(field "$theirs_stats" steady_maps)/$(field "$theirs_stats" steady_unmaps)" "no thrashing"
 }
+printf_table() {
+  # Formatted output: guest instructions per snprintf into a 64-byte buffer, beside newlib's and
+  # picolibc's snprintf built from the same source.
+  newlib_printf="$build/bench-peer/bench_printf_newlib"
+  picolibc_printf="$build/bench-peer/bench_printf_picolibc"
+  mkdir -p "$build/bench-peer"
+  bench/peer.sh "$newlib_printf" printf.cpp newlib
+  bench/peer.sh "$picolibc_printf" printf.cpp picolibc
+  echo
+  printf '%-40s %10s %10s %10s %8s\n' "per snprintf (guest instructions)" "kvlibc" "newlib" "picolibc" "goal"
+  while read -r op label goal; do
+    ours=$(per_call "$bench/bench_printf" "$op")
+    newlib=$(per_call "$newlib_printf" "$op")
+    picolibc=$(per_call "$picolibc_printf" "$op")
+    printf '%-40s %10.1f %10.1f %10.1f %8s\n' "${label//\~/ }" "$ours" "$newlib" "$picolibc" "$goal"
+  done <<'ROWS'
+d %d~123456789 <=275
+x %x~0xdeadbeef <=200
+s %s~of~20~characters <=200
+g17 %.17g~random~doubles <=2400
+f %f~1234.5678 <=2400
+e %e~6.02214076e23 <=2400
+g %g~0.1 <=2400
+ROWS
+}
+if [ "$only" = printf ]; then
+  printf_table
+  exit 0
+fi
 if [ "$only" = heap ]; then
   heap_table
   exit 0
@@ -211,18 +240,4 @@ ROWS
 fp_table
 heap_table
 
-# Formatted output: guest instructions per snprintf into a 64-byte buffer.
-echo
-printf '%-40s %10s %8s\n' "per snprintf (guest instructions)" "kvlibc" "goal"
-while read -r op label goal; do
-  ours=$(per_call "$bench/bench_printf" "$op")
-  printf '%-40s %10.1f %8s\n' "${label//\~/ }" "$ours" "$goal"
-done <<'ROWS'
-d %d~123456789 <=275
-x %x~0xdeadbeef <=200
-s %s~of~20~characters <=200
-g17 %.17g~random~doubles <=2400
-f %f~1234.5678 <=2400
-e %e~6.02214076e23 <=2400
-g %g~0.1 <=2400
-ROWS
+printf_table
