@@ -106,13 +106,16 @@ int32_t emit_string(_printf_state *state, const char *text) {
   const char *p = text;
   char *out = *next;
 #if defined(__arm__)
-  // Aligned loads never reach into the next page, whatever follows the terminator.
-  for (; reinterpret_cast<uintptr_t>(p) & 3; ++p, --room) {
-    if (!*p)
-      goto found;
-    if (!room)
-      goto cut;
-    *out++ = *p;
+  // Aligned loads never reach into the next page, whatever follows the terminator. The head
+  // before the first aligned word is at most three bytes; with room for a word it needs no
+  // room check, and with less the byte loop below does it all.
+  if (room >= 4) {
+    for (; reinterpret_cast<uintptr_t>(p) & 3; ++p, --room) {
+      char c = *p;
+      if (!c)
+        goto found;
+      *out++ = c;
+    }
   }
   for (; room >= 4; p += 4, out += 4, room -= 4) {
     uint32_t w;
@@ -127,9 +130,7 @@ int32_t emit_string(_printf_state *state, const char *text) {
       goto found;
     *out++ = *p;
   }
-#if defined(__arm__)
-cut: // the buffer is full: the rest of the string is only counted
-#endif
+  // The buffer is full: the rest of the string is only counted.
   *next = out;
   return static_cast<int32_t>(p - text + strlen(p));
 found:
