@@ -28,3 +28,15 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
+
+# For programs of one's own: give KV_ROOT (the source tree, for the headers) and KV_LIB_DIR
+# (where the build put libc.so, libdl.so and libkvc_front.a), then
+#   kv_user_program(myprog main.c other.c)
+# links a position-independent program with the ISO C front doors beside libc.so.
+function(kv_user_program name)
+  add_executable(${name} ${ARGN})
+  target_include_directories(${name} PRIVATE ${KV_ROOT}/libc/include)
+  target_link_options(${name} PRIVATE -Wl,-pie -Wl,-e,main)
+  target_link_libraries(${name} PRIVATE ${KV_LIB_DIR}/libkvc_front.a ${KV_LIB_DIR}/libc.so
+                                        ${KV_LIB_DIR}/libdl.so)
+endfunction()

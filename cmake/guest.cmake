@@ -1,7 +1,8 @@
 # Helper functions for guest programs and guest tests.
 #
 # A guest program is linked one of two ways:
-#   dynamic (default): a position-independent executable that needs libc.so, as users build them;
+#   dynamic (default): a position-independent executable that needs libc.so, as users build them,
+#           with the front-door archive libkvc_front.a for the ISO C names;
 #   STATIC: an ET_EXEC linked with every object of the library (white-box tests can call the
 #           library's internal functions).
 # kvrun calls the ELF entry point as main(argc, argv), so programs are linked with -e main.
@@ -18,7 +19,7 @@ function(kv_guest_program name)
     target_include_directories(${name} PRIVATE ${KV_SOURCE_DIR}/libc)
   else()
     target_link_options(${name} PRIVATE -Wl,-pie -Wl,-e,main)
-    target_link_libraries(${name} PRIVATE ${P_LIBRARIES} c dl)
+    target_link_libraries(${name} PRIVATE ${P_LIBRARIES} kvc_front c dl)
   endif()
 endfunction()
 

@@ -180,3 +180,8 @@ extern "C" long __syscall_lseek(int fd, long offset, int whence) {
   f->position = base + offset;
   return f->position;
 }
+
+extern "C" int __syscall_fcntl(int fd, int command, long argument) {
+  record(kFcntl, fd, command, argument);
+  return file_of(fd) ? 9 : -1;
+}

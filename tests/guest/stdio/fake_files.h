@@ -8,16 +8,16 @@
 
 namespace fake {
 
-enum Call { kOpen, kClose, kRead, kWrite, kSeek };
+enum Call { kOpen, kClose, kRead, kWrite, kSeek, kFcntl };
 
 struct Request {
   Call call;
   int handle;
-  long a; // open: flags; read/write: count; seek: offset
-  long b; // open: mode; seek: whence
+  long a; // open: flags; read/write: count; seek: offset; fcntl: command
+  long b; // open: mode; seek: whence; fcntl: argument
 };
 
-constexpr size_t kFileCapacity = 8192;
+constexpr size_t kFileCapacity = 16384;
 
 struct File {
   const char *name;

@@ -1,4 +1,4 @@
-// Random character traffic on a real file against a model of the file's bytes and position:
+// Random character and direct (fread/fwrite) traffic on a real file against a model of the file's bytes and position:
 // every answer is checked as it comes, and after each round the file on the system side must
 // hold exactly the model's bytes. The last round's file is left for the host to compare with
 // the model's copy, written beside it through the raw entry points.
@@ -7,6 +7,9 @@
 #include <kvtest.h>
 
 #include "stdio/stream.h"
+
+extern "C" size_t fread(void *buffer, size_t size, size_t count, FILE *s);
+extern "C" size_t fwrite(const void *buffer, size_t size, size_t count, FILE *s);
 
 using namespace kv::stdio;
 
@@ -79,8 +82,8 @@ void run_round(const Buffering &buffering, int operations) {
   int last_read = -1;
   for (int op = 0; op < operations; ++op) {
     long room = kCapacity - 40 - model.position;
-    int kind = static_cast<int>(below(10));
-    if ((kind <= 1) && room <= 0)
+    int kind = static_cast<int>(below(12));
+    if ((kind <= 1 && room <= 0) || (kind == 11 && room < 8))
       kind = 3;
     bool writes = kind <= 1, reads = kind == 2;
     if ((writes && last == kReadDir) || (reads && last == kWriteDir)) {
@@ -92,6 +95,7 @@ void run_round(const Buffering &buffering, int operations) {
       auto ch = static_cast<unsigned char>(next());
       ASSERT_EQ(fputc(ch, s), ch);
       model_put(ch);
+      model.at_eof = false;
       last = kWriteDir;
       break;
     }
@@ -104,6 +108,7 @@ void run_round(const Buffering &buffering, int operations) {
       ASSERT_EQ(fputs(text, s), 0);
       for (long i = 0; i < n; ++i)
         model_put(static_cast<unsigned char>(text[i]));
+      model.at_eof = false;
       last = kWriteDir;
       break;
     }
@@ -161,6 +166,39 @@ void run_round(const Buffering &buffering, int operations) {
         last_read = -1;
       }
       break;
+    case 10: {
+      // Straight from the file at the stream's position; the stream follows on behind the data.
+      static unsigned char got[1600];
+      long size = 1 + below(4), count = 1 + below(400);
+      long available = model.length > model.position ? model.length - model.position : 0;
+      long moved = size * count < available ? size * count : available;
+      ASSERT_EQ(fread(got, static_cast<size_t>(size), static_cast<size_t>(count), s),
+                static_cast<size_t>(moved / size));
+      for (long i = 0; i < moved; ++i)
+        ASSERT_EQ(got[i], model.bytes[model.position + i]);
+      model.position += moved;
+      model.at_eof = model.position == model.length;
+      model.pushed = false;
+      last = kNone;
+      last_read = -1;
+      break;
+    }
+    case 11: {
+      static unsigned char text[1600];
+      long size = 1 + below(4);
+      long most = room < 1500 ? room : 1500;
+      long count = 1 + below(most / size);
+      for (long i = 0; i < size * count; ++i)
+        text[i] = static_cast<unsigned char>(next());
+      ASSERT_EQ(fwrite(text, static_cast<size_t>(size), static_cast<size_t>(count), s),
+                static_cast<size_t>(count));
+      for (long i = 0; i < size * count; ++i)
+        model_put(text[i]);
+      model.at_eof = model.pushed = false;
+      last = kNone;
+      last_read = -1;
+      break;
+    }
     default:
       ASSERT_FALSE(ferror(s));
       ASSERT_EQ(feof(s) != 0, model.at_eof);

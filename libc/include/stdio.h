@@ -1,0 +1,65 @@
+#ifndef _STDIO_H
+#define _STDIO_H
+
+#include <kv/abi.h>
+#include <stdarg.h>
+#include <stddef.h>
+#include <sys/types.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef struct __kv_stream FILE;
+
+extern FILE *stdin, *stdout, *stderr;
+
+#define EOF (-1)
+#define BUFSIZ 512
+#define SEEK_SET KV_SEEK_SET
+#define SEEK_CUR KV_SEEK_CUR
+#define SEEK_END KV_SEEK_END
+
+/* Exported by libc.so. */
+FILE *fdopen(int fd, const char *mode);
+int fileno(FILE *stream);
+size_t fread(void *buffer, size_t size, size_t count, FILE *stream);
+size_t fwrite(const void *buffer, size_t size, size_t count, FILE *stream);
+int remove(const char *path);
+int rename(const char *from, const char *to);
+
+/* From the front-door archive (libkvc_front.a), linked beside libc.so. */
+int printf(const char *format, ...) __attribute__((format(printf, 1, 2)));
+int vprintf(const char *format, va_list args);
+int fprintf(FILE *stream, const char *format, ...) __attribute__((format(printf, 2, 3)));
+int vfprintf(FILE *stream, const char *format, va_list args);
+int sprintf(char *buffer, const char *format, ...) __attribute__((format(printf, 2, 3)));
+int vsprintf(char *buffer, const char *format, va_list args);
+int snprintf(char *buffer, size_t size, const char *format, ...)
+    __attribute__((format(printf, 3, 4)));
+int vsnprintf(char *buffer, size_t size, const char *format, va_list args);
+int puts(const char *text);
+int putchar(int ch);
+int putc(int ch, FILE *stream);
+int fputc(int ch, FILE *stream);
+int fputs(const char *text, FILE *stream);
+int getchar(void);
+int getc(FILE *stream);
+int fgetc(FILE *stream);
+char *fgets(char *buffer, int size, FILE *stream);
+int ungetc(int ch, FILE *stream);
+FILE *fopen(const char *path, const char *mode);
+int fclose(FILE *stream);
+int fseek(FILE *stream, long offset, int whence);
+long ftell(FILE *stream);
+void rewind(FILE *stream);
+int fflush(FILE *stream);
+int feof(FILE *stream);
+int ferror(FILE *stream);
+void clearerr(FILE *stream);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

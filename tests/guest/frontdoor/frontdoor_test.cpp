@@ -1,0 +1,82 @@
+// The ISO C front doors as a dynamically linked program reaches them, over libc.so's exports.
+#include <kvtest.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+namespace {
+
+TEST(FrontDoor, FormattingIntoMemory) {
+  struct {
+    size_t size;
+    const char *want;
+    int count;
+  } const rows[] = {{64, "7|-3|2.50|ff", 12}, {5, "7|-3", 12}, {1, "", 12}};
+  for (const auto &row : rows) {
+    char buffer[64] = "untouched";
+    EXPECT_EQ(snprintf(buffer, row.size, "%d|%d|%.2f|%x", 7, -3, 2.5, 255), row.count);
+    EXPECT_STREQ(buffer, row.want);
+  }
+  char buffer[32];
+  EXPECT_EQ(sprintf(buffer, "%s=%ld", "n", -40L), 5);
+  EXPECT_STREQ(buffer, "n=-40");
+}
+
+TEST(FrontDoor, StringFunctions) {
+  struct {
+    const char *a, *b;
+    int sign;
+  } const rows[] = {{"abc", "abc", 0}, {"abc", "abd", -1}, {"b", "abc", 1}, {"", "a", -1},
+                    {"\xff", "a", 1}};
+  for (const auto &row : rows) {
+    int r = strcmp(row.a, row.b);
+    EXPECT_EQ((r > 0) - (r < 0), row.sign);
+  }
+  EXPECT_EQ(strncmp("abcx", "abcy", 3), 0);
+  EXPECT_EQ(strlen("hello"), 5u);
+  EXPECT_STREQ(strchr("a,b,c", ','), ",b,c");
+  EXPECT_STREQ(strrchr("a,b,c", ','), ",c");
+  EXPECT_TRUE(strchr("abc", 'z') == nullptr);
+  char buffer[16];
+  strcpy(buffer, "ab");
+  strcat(buffer, "cd");
+  EXPECT_STREQ(buffer, "abcd");
+  memset(buffer, 'x', 3);
+  EXPECT_EQ(memcmp(buffer, "xxxd", 4), 0);
+  memmove(buffer + 1, buffer, 4);
+  EXPECT_EQ(memcmp(buffer, "xxxxd", 5), 0);
+  EXPECT_EQ(atoi("  -123x"), -123);
+}
+
+TEST(FrontDoor, FileRoundTripAndHeap) {
+  FILE *out = fopen("frontdoor.txt", "w");
+  ASSERT_TRUE(out != nullptr);
+  EXPECT_EQ(fprintf(out, "line %d\n", 1), 7);
+  EXPECT_EQ(fputs("second\n", out), 0);
+  EXPECT_EQ(fwrite("xyz", 1, 3, out), 3u);
+  EXPECT_EQ(fclose(out), 0);
+  FILE *in = fopen("frontdoor.txt", "r");
+  ASSERT_TRUE(in != nullptr);
+  char line[32];
+  EXPECT_STREQ(fgets(line, sizeof line, in), "line 1\n");
+  EXPECT_EQ(fgetc(in), 's');
+  EXPECT_STREQ(fgets(line, sizeof line, in), "econd\n");
+  EXPECT_STREQ(fgets(line, sizeof line, in), "xyz");
+  EXPECT_TRUE(fgets(line, sizeof line, in) == nullptr);
+  EXPECT_TRUE(feof(in) != 0);
+  EXPECT_EQ(ftell(in), 17L);
+  EXPECT_EQ(fclose(in), 0);
+  EXPECT_TRUE(fopen("missing.txt", "r") == nullptr);
+
+  char *p = static_cast<char *>(malloc(8));
+  ASSERT_TRUE(p != nullptr);
+  strcpy(p, "heap");
+  p = static_cast<char *>(realloc(p, 4000));
+  EXPECT_STREQ(p, "heap");
+  free(p);
+  int *zeros = static_cast<int *>(calloc(10, sizeof(int)));
+  EXPECT_EQ(zeros[9], 0);
+  free(zeros);
+}
+
+} // namespace
