@@ -66,8 +66,14 @@ struct Params {
   uint32_t default_flags;
 };
 
-extern State state;
-extern Params params;
+// Both records in one object, so that a path that needs both reaches them from one base.
+struct Records {
+  State state;
+  Params params;
+};
+extern Records records;
+static constexpr State &state = records.state;
+static constexpr Params &params = records.params;
 
 constexpr size_t kMinChunk = 16;
 constexpr size_t kOverhead = 4;

@@ -12,8 +12,7 @@
 
 namespace kv::heap {
 
-State state;
-Params params;
+Records records;
 
 namespace {
 uint32_t params_lock; // never initialised: it only guards the one-time setting of magic
