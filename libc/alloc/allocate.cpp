@@ -60,7 +60,7 @@ void *tree_small(size_t nb) {
       v = t;
     }
   }
-  return split_tree_fit(v, nb, rsize, replace_spare);
+  return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { replace_spare(r, n); });
 }
 
 // Best fit for a large request, or null when the spare chunk fits at least as well.
@@ -107,7 +107,7 @@ void *tree_large(size_t nb) {
   }
   if (!v || rsize >= state.dvsize - nb)
     return nullptr;
-  return split_tree_fit(v, nb, rsize, insert_chunk);
+  return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { insert_chunk(r, n); });
 }
 
 } // namespace

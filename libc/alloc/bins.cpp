@@ -71,13 +71,15 @@ void unlink_tree(TreeChunk *x) {
     }
     if (r) {
       for (;;) {
-        TreeChunk **cp = &r->child[1];
-        if (!*cp)
-          cp = &r->child[0];
-        if (!*cp)
+        if (TreeChunk *c = r->child[1]) {
+          rp = &r->child[1];
+          r = c;
+        } else if (TreeChunk *c0 = r->child[0]) {
+          rp = &r->child[0];
+          r = c0;
+        } else {
           break;
-        rp = cp;
-        r = *cp;
+        }
       }
       if (!ok_address(rp))
         corrupted();
