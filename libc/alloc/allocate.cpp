@@ -81,14 +81,18 @@ void *tree_large(size_t nb) {
           break;
       }
       TreeChunk *right = t->child[1];
-      t = t->child[(key >> 31) & 1];
-      if (right && right != t)
-        untaken = right;
+      if (static_cast<int32_t>(key) < 0) {
+        t = right;
+      } else {
+        t = t->child[0];
+        if (right)
+          untaken = right;
+      }
+      key <<= 1;
       if (!t) {
         t = untaken;
         break;
       }
-      key <<= 1;
     }
   } else {
     t = nullptr;
