@@ -67,10 +67,11 @@ void *tree_small(size_t nb) {
 void *tree_large(size_t nb) {
   TreeChunk *v = nullptr;
   size_t rsize = 0 - nb;
-  uint32_t idx = tree_index(nb);
+  TreePlace place = tree_place(nb);
+  uint32_t idx = place.index;
   TreeChunk *t = state.treebins[idx];
   if (state.treemap & (1u << idx)) {
-    size_t key = nb << tree_shift(idx);
+    size_t key = nb << place.shift;
     TreeChunk *untaken = nullptr; // deepest right subtree the descent passed by
     for (;;) {
       size_t rem = size_of(t) - nb;

@@ -11,7 +11,8 @@ void init_bins() {
 }
 
 void insert_tree(TreeChunk *x, size_t s) {
-  uint32_t i = tree_index(s);
+  TreePlace place = tree_place(s);
+  uint32_t i = place.index;
   TreeChunk **root = &state.treebins[i];
   x->index = i;
   x->child[0] = x->child[1] = nullptr;
@@ -23,7 +24,7 @@ void insert_tree(TreeChunk *x, size_t s) {
     return;
   }
   TreeChunk *t = *root;
-  size_t key = s << tree_shift(i);
+  size_t key = s << place.shift;
   for (;;) {
     if (size_of(t) != s) {
       TreeChunk **c = &t->child[(key >> 31) & 1];

@@ -131,6 +131,16 @@ inline uint32_t tree_index(size_t s) {
 }
 // How far a size is shifted so that its first bit below the bin's range is at the top.
 inline uint32_t tree_shift(uint32_t i) { return i == kTreeBins - 1 ? 0 : 25 - (i >> 1); }
+// Bin and key shift of a large size (256 or more) from one count of leading zeros.
+struct TreePlace {
+  uint32_t index, shift;
+};
+inline TreePlace tree_place(size_t s) {
+  if (s >= 0xC00000) // everything from the upper half of the last range up
+    return {kTreeBins - 1, 0};
+  uint32_t z = static_cast<uint32_t>(__builtin_clz(s));
+  return {46 - 2 * z + static_cast<uint32_t>((s >> (30 - z)) & 1), z + 2};
+}
 inline uint32_t bits_above(uint32_t bit) { return (bit << 1) | (0u - (bit << 1)); }
 
 // The in-use chunk p of size s with prev-in-use set, and the next chunk told so.
