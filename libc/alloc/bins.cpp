@@ -25,8 +25,9 @@ void insert_tree(TreeChunk *x, size_t s) {
   }
   TreeChunk *t = *root;
   size_t key = s << place.shift;
+  size_t head = s | kPinuse; // every chunk in a trie is free with its neighbour in front in use
   for (;;) {
-    if (size_of(t) != s) {
+    if (t->head != head) {
       TreeChunk **c = &t->child[(key >> 31) & 1];
       key <<= 1;
       if (*c) {
