@@ -53,13 +53,16 @@ void insert_tree(TreeChunk *x, size_t s) {
 }
 
 void unlink_tree(TreeChunk *x) {
+  // Read once: the stores below cannot move it, but the compiler cannot tell.
+  const char *least = state.least_addr;
+  auto ok = [least](const void *p) { return static_cast<const char *>(p) >= least; };
   TreeChunk *parent = x->parent;
   TreeChunk *r;
   if (x->bk != x) {
     // A ring member (or a node with a ring): its neighbour takes its place.
     TreeChunk *f = x->fd;
     r = x->bk;
-    if (!ok_address(f) || f->bk != x || r->fd != x)
+    if (!ok(f) || f->bk != x || r->fd != x)
       corrupted();
     f->bk = r;
     r->fd = f;
@@ -83,7 +86,7 @@ void unlink_tree(TreeChunk *x) {
           break;
         }
       }
-      if (!ok_address(rp))
+      if (!ok(rp))
         corrupted();
       *rp = nullptr;
     }
@@ -96,18 +99,18 @@ void unlink_tree(TreeChunk *x) {
     if (!r)
       state.treemap &= ~(1u << x->index);
   } else {
-    if (!ok_address(parent))
+    if (!ok(parent))
       corrupted();
     parent->child[parent->child[0] == x ? 0 : 1] = r;
   }
   if (!r)
     return;
-  if (!ok_address(r))
+  if (!ok(r))
     corrupted();
   r->parent = parent;
   for (int side = 0; side < 2; ++side) {
     if (TreeChunk *c = x->child[side]) {
-      if (!ok_address(c))
+      if (!ok(c))
         corrupted();
       r->child[side] = c;
       c->parent = r;
