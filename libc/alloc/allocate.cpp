@@ -29,8 +29,6 @@ Chunk *take_first_small(uint32_t i) {
   return p;
 }
 
-inline TreeChunk *leftmost_child(TreeChunk *t) { return t->child[0] ? t->child[0] : t->child[1]; }
-
 // Hands out nb bytes of v, whose remainder is rsize; the remainder goes where `keep` puts it.
 template <typename Keep> void *split_tree_fit(TreeChunk *v, size_t nb, size_t rsize, Keep keep) {
   if (!ok_address(v) || size_of(v) != nb + rsize)
@@ -47,6 +45,8 @@ template <typename Keep> void *split_tree_fit(TreeChunk *v, size_t nb, size_t rs
   }
   return user(p);
 }
+
+inline TreeChunk *leftmost_child(TreeChunk *t) { return t->child[0] ? t->child[0] : t->child[1]; }
 
 // A small request from the smallest chunk of the lowest non-empty trie.
 void *tree_small(size_t nb) {
@@ -103,11 +103,17 @@ void *tree_large(size_t nb) {
     if (above)
       t = state.treebins[__builtin_ctz(above)];
   }
-  for (; t; t = leftmost_child(t)) {
-    size_t rem = size_of(t) - nb;
-    if (rem < rsize) {
-      rsize = rem;
-      v = t;
+  if (t) {
+    for (;;) {
+      size_t rem = size_of(t) - nb;
+      if (rem < rsize) {
+        rsize = rem;
+        v = t;
+      }
+      TreeChunk *c = t->child[0];
+      if (!c && !(c = t->child[1]))
+        break;
+      t = c;
     }
   }
   if (!v || rsize >= state.dvsize - nb)
