@@ -200,8 +200,7 @@ __attribute__((always_inline)) inline void *allocate_locked(size_t bytes) {
 } // namespace
 
 void *allocate(size_t bytes) {
-  ensure_params();
-  lock();
+  enter();
   void *mem = allocate_locked(bytes);
   unlock();
   return mem;

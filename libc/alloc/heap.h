@@ -170,6 +170,15 @@ inline void lock() {
   if (state.flags & kUseLock)
     __mutex_acquire(&state.lock);
 }
+// Sets up the parameters on first use, then takes the lock. The heap's flags stay zero until the
+// parameters are set up, so the common case is one test of them.
+void enter_slow();
+inline void enter() {
+  if (__builtin_expect(!(state.flags & kUseLock), 0))
+    enter_slow();
+  else
+    __mutex_acquire(&state.lock);
+}
 inline void unlock() {
   if (state.flags & kUseLock)
     __mutex_release(&state.lock);

@@ -51,8 +51,7 @@ void *resize(void *mem, size_t bytes) {
     set_enomem();
     return nullptr;
   }
-  ensure_params();
-  lock();
+  enter();
   Chunk *p = chunk_of(mem);
   size_t head = p->head;
   size_t oldsize = head & ~size_t{7};

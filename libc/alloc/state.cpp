@@ -36,6 +36,11 @@ void ensure_params_slow() {
     abort();
 }
 
+void enter_slow() {
+  ensure_params();
+  lock();
+}
+
 void corrupted() { abort(); }
 
 // The lock stays held: nothing may touch the heap on the way out.
