@@ -29,8 +29,6 @@ Chunk *take_first_small(uint32_t i) {
   return p;
 }
 
-inline TreeChunk *leftmost_child(TreeChunk *t) { return t->child[0] ? t->child[0] : t->child[1]; }
-
 // Hands out nb bytes of v, whose remainder is rsize; the remainder goes where `keep` puts it.
 template <typename Keep> void *split_tree_fit(TreeChunk *v, size_t nb, size_t rsize, Keep keep) {
   if (!ok_address(v) || size_of(v) != nb + rsize)
@@ -48,6 +46,8 @@ template <typename Keep> void *split_tree_fit(TreeChunk *v, size_t nb, size_t rs
   return user(p);
 }
 
+inline TreeChunk *leftmost_child(TreeChunk *t) { return t->child[0] ? t->child[0] : t->child[1]; }
+
 // A small request from the smallest chunk of the lowest non-empty trie.
 void *tree_small(size_t nb) {
   uint32_t i = static_cast<uint32_t>(__builtin_ctz(state.treemap));
@@ -60,17 +60,18 @@ void *tree_small(size_t nb) {
       v = t;
     }
   }
-  return split_tree_fit(v, nb, rsize, replace_spare);
+  return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { replace_spare(r, n); });
 }
 
 // Best fit for a large request, or null when the spare chunk fits at least as well.
 void *tree_large(size_t nb) {
   TreeChunk *v = nullptr;
   size_t rsize = 0 - nb;
-  uint32_t idx = tree_index(nb);
+  TreePlace place = tree_place(nb);
+  uint32_t idx = place.index;
   TreeChunk *t = state.treebins[idx];
   if (state.treemap & (1u << idx)) {
-    size_t key = nb << tree_shift(idx);
+    size_t key = nb << place.shift;
     TreeChunk *untaken = nullptr; // deepest right subtree the descent passed by
     for (;;) {
       size_t rem = size_of(t) - nb;
@@ -81,14 +82,18 @@ void *tree_large(size_t nb) {
           break;
       }
       TreeChunk *right = t->child[1];
-      t = t->child[(key >> 31) & 1];
-      if (right && right != t)
-        untaken = right;
+      if (static_cast<int32_t>(key) < 0) {
+        t = right;
+      } else {
+        t = t->child[0];
+        if (right)
+          untaken = right;
+      }
+      key <<= 1;
       if (!t) {
         t = untaken;
         break;
       }
-      key <<= 1;
     }
   } else {
     t = nullptr;
@@ -98,16 +103,22 @@ void *tree_large(size_t nb) {
     if (above)
       t = state.treebins[__builtin_ctz(above)];
   }
-  for (; t; t = leftmost_child(t)) {
-    size_t rem = size_of(t) - nb;
-    if (rem < rsize) {
-      rsize = rem;
-      v = t;
+  if (t) {
+    for (;;) {
+      size_t rem = size_of(t) - nb;
+      if (rem < rsize) {
+        rsize = rem;
+        v = t;
+      }
+      TreeChunk *c = t->child[0];
+      if (!c && !(c = t->child[1]))
+        break;
+      t = c;
     }
   }
   if (!v || rsize >= state.dvsize - nb)
     return nullptr;
-  return split_tree_fit(v, nb, rsize, insert_chunk);
+  return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { insert_chunk(r, n); });
 }
 
 } // namespace
@@ -189,8 +200,7 @@ __attribute__((always_inline)) inline void *allocate_locked(size_t bytes) {
 } // namespace
 
 void *allocate(size_t bytes) {
-  ensure_params();
-  lock();
+  enter();
   void *mem = allocate_locked(bytes);
   unlock();
   return mem;

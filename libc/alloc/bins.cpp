@@ -11,7 +11,8 @@ void init_bins() {
 }
 
 void insert_tree(TreeChunk *x, size_t s) {
-  uint32_t i = tree_index(s);
+  TreePlace place = tree_place(s);
+  uint32_t i = place.index;
   TreeChunk **root = &state.treebins[i];
   x->index = i;
   x->child[0] = x->child[1] = nullptr;
@@ -23,9 +24,10 @@ void insert_tree(TreeChunk *x, size_t s) {
     return;
   }
   TreeChunk *t = *root;
-  size_t key = s << tree_shift(i);
+  size_t key = s << place.shift;
+  size_t head = s | kPinuse; // every chunk in a trie is free with its neighbour in front in use
   for (;;) {
-    if (size_of(t) != s) {
+    if (t->head != head) {
       TreeChunk **c = &t->child[(key >> 31) & 1];
       key <<= 1;
       if (*c) {
@@ -51,13 +53,16 @@ void insert_tree(TreeChunk *x, size_t s) {
 }
 
 void unlink_tree(TreeChunk *x) {
+  // Read once: the stores below cannot move it, but the compiler cannot tell.
+  const char *least = state.least_addr;
+  auto ok = [least](const void *p) { return static_cast<const char *>(p) >= least; };
   TreeChunk *parent = x->parent;
   TreeChunk *r;
   if (x->bk != x) {
     // A ring member (or a node with a ring): its neighbour takes its place.
     TreeChunk *f = x->fd;
     r = x->bk;
-    if (!ok_address(f) || f->bk != x || r->fd != x)
+    if (!ok(f) || f->bk != x || r->fd != x)
       corrupted();
     f->bk = r;
     r->fd = f;
@@ -71,15 +76,17 @@ void unlink_tree(TreeChunk *x) {
     }
     if (r) {
       for (;;) {
-        TreeChunk **cp = &r->child[1];
-        if (!*cp)
-          cp = &r->child[0];
-        if (!*cp)
+        if (TreeChunk *c = r->child[1]) {
+          rp = &r->child[1];
+          r = c;
+        } else if (TreeChunk *c0 = r->child[0]) {
+          rp = &r->child[0];
+          r = c0;
+        } else {
           break;
-        rp = cp;
-        r = *cp;
+        }
       }
-      if (!ok_address(rp))
+      if (!ok(rp))
         corrupted();
       *rp = nullptr;
     }
@@ -92,18 +99,18 @@ void unlink_tree(TreeChunk *x) {
     if (!r)
       state.treemap &= ~(1u << x->index);
   } else {
-    if (!ok_address(parent))
+    if (!ok(parent))
       corrupted();
     parent->child[parent->child[0] == x ? 0 : 1] = r;
   }
   if (!r)
     return;
-  if (!ok_address(r))
+  if (!ok(r))
     corrupted();
   r->parent = parent;
   for (int side = 0; side < 2; ++side) {
     if (TreeChunk *c = x->child[side]) {
-      if (!ok_address(c))
+      if (!ok(c))
         corrupted();
       r->child[side] = c;
       c->parent = r;

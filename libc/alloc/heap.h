@@ -66,8 +66,14 @@ struct Params {
   uint32_t default_flags;
 };
 
-extern State state;
-extern Params params;
+// Both records in one object, so that a path that needs both reaches them from one base.
+struct Records {
+  State state;
+  Params params;
+};
+extern Records records;
+static constexpr State &state = records.state;
+static constexpr Params &params = records.params;
 
 constexpr size_t kMinChunk = 16;
 constexpr size_t kOverhead = 4;
@@ -125,6 +131,16 @@ inline uint32_t tree_index(size_t s) {
 }
 // How far a size is shifted so that its first bit below the bin's range is at the top.
 inline uint32_t tree_shift(uint32_t i) { return i == kTreeBins - 1 ? 0 : 25 - (i >> 1); }
+// Bin and key shift of a large size (256 or more) from one count of leading zeros.
+struct TreePlace {
+  uint32_t index, shift;
+};
+inline TreePlace tree_place(size_t s) {
+  if (s >= 0xC00000) // everything from the upper half of the last range up
+    return {kTreeBins - 1, 0};
+  uint32_t z = static_cast<uint32_t>(__builtin_clz(s));
+  return {46 - 2 * z + static_cast<uint32_t>((s >> (30 - z)) & 1), z + 2};
+}
 inline uint32_t bits_above(uint32_t bit) { return (bit << 1) | (0u - (bit << 1)); }
 
 // The in-use chunk p of size s with prev-in-use set, and the next chunk told so.
@@ -152,6 +168,15 @@ inline void ensure_params() {
 }
 inline void lock() {
   if (state.flags & kUseLock)
+    __mutex_acquire(&state.lock);
+}
+// Sets up the parameters on first use, then takes the lock. The heap's flags stay zero until the
+// parameters are set up, so the common case is one test of them.
+void enter_slow();
+inline void enter() {
+  if (__builtin_expect(!(state.flags & kUseLock), 0))
+    enter_slow();
+  else
     __mutex_acquire(&state.lock);
 }
 inline void unlock() {

@@ -11,8 +11,7 @@ namespace kv::heap {
 void release(void *mem) {
   if (!mem)
     return;
-  ensure_params();
-  lock();
+  enter();
   Chunk *p = chunk_of(mem);
   if (!ok_address(p) || !in_use(p))
     bad_free(2672);

@@ -7,21 +7,11 @@
 namespace kv::heap {
 namespace {
 
-void *resize(void *mem, size_t bytes) {
-  if (!mem)
-    return allocate(bytes);
-  if (bytes >= kMaxRequest) {
-    set_enomem();
-    return nullptr;
-  }
-  ensure_params();
-  lock();
+// Every case but growth into the top chunk, entered with the lock held; kept apart so that
+// the growth path saves and restores little.
+__attribute__((noinline)) void *resize_other(void *mem, size_t bytes, size_t oldsize,
+                                             size_t nb) {
   Chunk *p = chunk_of(mem);
-  size_t oldsize = size_of(p);
-  Chunk *next = at(p, oldsize);
-  if (!ok_address(p) || !in_use(p) || next <= p || !prev_in_use(next))
-    bad_free(2231);
-  size_t nb = request_to_chunk(bytes);
   bool mapped = is_mapped(p);
   bool in_place = false;
   void *cut_off = nullptr;
@@ -38,14 +28,6 @@ void *resize(void *mem, size_t bytes) {
       r->head = rsize | kPinuse | kCinuse;
       cut_off = user(r);
     }
-  } else if (next == state.top && oldsize + state.topsize > nb) {
-    in_place = true;
-    size_t topsize = oldsize + state.topsize - nb;
-    set_in_use(p, nb);
-    Chunk *t = at(p, nb);
-    t->head = topsize | kPinuse;
-    state.top = t;
-    state.topsize = topsize;
   }
   unlock();
   if (in_place) {
@@ -60,6 +42,39 @@ void *resize(void *mem, size_t bytes) {
     release(mem);
   }
   return fresh;
+}
+
+void *resize(void *mem, size_t bytes) {
+  if (!mem)
+    return allocate(bytes);
+  if (bytes >= kMaxRequest) {
+    set_enomem();
+    return nullptr;
+  }
+  enter();
+  Chunk *p = chunk_of(mem);
+  size_t head = p->head;
+  size_t oldsize = head & ~size_t{7};
+  Chunk *next = at(p, oldsize);
+  if (!ok_address(p) || !(head & kCinuse) || next <= p || !prev_in_use(next))
+    bad_free(2231);
+  size_t nb = request_to_chunk(bytes);
+  // Growth into the top chunk first: a mapped chunk is never followed by it, and the chunk is
+  // too small, so no other case applies.
+  if (next == state.top && oldsize < nb) {
+    size_t total = oldsize + state.topsize;
+    if (total > nb) {
+      size_t topsize = total - nb;
+      p->head = (head & kPinuse) | nb | kCinuse;
+      Chunk *t = at(p, nb);
+      t->head = topsize | kPinuse;
+      state.top = t;
+      state.topsize = topsize;
+      unlock();
+      return mem;
+    }
+  }
+  return resize_other(mem, bytes, oldsize, nb);
 }
 
 void *zeroed(size_t count, size_t size) {

@@ -12,8 +12,7 @@
 
 namespace kv::heap {
 
-State state;
-Params params;
+Records records;
 
 namespace {
 uint32_t params_lock; // never initialised: it only guards the one-time setting of magic
@@ -35,6 +34,11 @@ void ensure_params_slow() {
   params.granularity = 16384;
   if (params.page_size & (params.page_size - 1))
     abort();
+}
+
+void enter_slow() {
+  ensure_params();
+  lock();
 }
 
 void corrupted() { abort(); }

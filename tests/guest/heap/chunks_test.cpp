@@ -49,10 +49,13 @@ TEST(Chunks, TreeIndex) {
     uint32_t index, shift;
   } rows[] = {{256, 0, 25},     {383, 0, 25},      {384, 1, 25},     {511, 1, 25},
               {512, 2, 24},     {767, 2, 24},      {768, 3, 24},     {1024, 4, 23},
-              {0xBFFFF8, 30, 10}, {0x1000000, 31, 0}, {0x7FFFFFF8, 31, 0}};
+              {0xBFFFF8, 30, 10}, {0xC00000, 31, 0}, {0xFFFFF8, 31, 0}, {0x1000000, 31, 0},
+              {0x7FFFFFF8, 31, 0}, {0xFFFFFFF8, 31, 0}};
   for (auto &row : rows) {
     EXPECT_EQ(tree_index(row.size), row.index);
     EXPECT_EQ(tree_shift(tree_index(row.size)), row.shift);
+    EXPECT_EQ(tree_place(row.size).index, row.index);
+    EXPECT_EQ(tree_place(row.size).shift, row.shift);
   }
 }
 
