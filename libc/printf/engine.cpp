@@ -98,6 +98,20 @@ KV_PRINTF_HANDLER(_printf_percent_end) { return 0; }
 
 namespace {
 
+// One conversion: the handler for the letter, then past the argument words it used (a
+// double word starts 8-aligned); a letter no handler takes is printed as itself.
+inline _printf_args convert(_printf_state *state, int c, _printf_args args) {
+  int used = _printf_dispatch(state, c, args);
+  if (used == 0) {
+    put(state, c);
+    ++state->count;
+    return args;
+  }
+  if (used == 1)
+    return args + 1;
+  return reinterpret_cast<_printf_args>((reinterpret_cast<uintptr_t>(args) + 7) & ~uintptr_t{7}) + 2;
+}
+
 template <typename Reader> int interpret(Reader &in, _printf_args args) {
   _printf_state *state = in.state;
   state->count = 0;
@@ -111,15 +125,7 @@ template <typename Reader> int interpret(Reader &in, _printf_args args) {
       state->flags = 0;
       state->width = 0;
       state->precision = 0;
-      int used = _printf_dispatch(state, c, args);
-      if (used == 0) {
-        put(state, c);
-        ++state->count;
-      } else if (used == 1) {
-        ++args;
-      } else {
-        args = reinterpret_cast<_printf_args>((reinterpret_cast<uintptr_t>(args) + 7) & ~uintptr_t{7}) + 2;
-      }
+      args = convert(state, c, args);
       continue;
     }
     uint32_t flags = 0;
@@ -194,15 +200,7 @@ template <typename Reader> int interpret(Reader &in, _printf_args args) {
     state->flags = flags;
     state->width = width;
     state->precision = precision;
-    int used = _printf_dispatch(state, c, args);
-    if (used == 0) {
-      put(state, c);
-      ++state->count;
-    } else if (used == 1) {
-      ++args;
-    } else {
-      args = reinterpret_cast<_printf_args>((reinterpret_cast<uintptr_t>(args) + 7) & ~uintptr_t{7}) + 2;
-    }
+    args = convert(state, c, args);
   }
 }
 
