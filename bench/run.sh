@@ -2,7 +2,7 @@
 # Runs the guest benchmarks under kvrun and prints guest instructions per operation, with wall
 # times for the figures that are about the host (trap round trip, instruction rate, services
 # against the host's own system calls).
-#   bench/run.sh [BUILD [fp|heap|printf]]   with fp, heap or printf, only that table
+#   bench/run.sh [BUILD [fp|heap|printf|streams]]   with one of these, only that table
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}
@@ -145,6 +145,51 @@ e %e~6.02214076e23 <=2400
 g %g~0.1 <=2400
 ROWS
 }
+streams_table() {
+  # Stream transfers (bench/streams.cpp): each row's run less the same program's loop around an
+  # empty function, in guest instructions and in requests from the trace. The requests the
+  # buffers dictate: a 512-byte buffer for a file, so 1 MiB is 2048 transfers; fwrite and fread
+  # go straight through in one request per 4 KiB call, with a position query before and a
+  # reposition after (fread also asks for the end); stdout, line-buffered, writes each line.
+  # Every open adds the position query of fdopen. Requests are open/close/lseek/read/write.
+  local work
+  work=$(mktemp -d)
+  local prog="$bench/bench_streams" mib=1048576
+  tally() { # op -> "open close lseek read write" requests of one run
+    "$kvrun" -r "$work" --trace "$work/trace.$1" "$prog" "$1" >/dev/null
+    awk '$1 == "trap" { n[$3]++ }
+      END { printf "%d %d %d %d %d\n", n["open"], n["close"], n["lseek"], n["read"], n["write"] }' "$work/trace.$1"
+  }
+  requests() { # op -> "open/close/lseek/read/write" of one run less its empty run
+    paste -d' ' <(tally "$1" | tr ' ' '\n') <(tally "empty:$1" | tr ' ' '\n') |
+      awk '{ printf "%s%d", (NR > 1 ? "/" : ""), $1 - $2 } END { print "" }'
+  }
+  # The read rows read what the fwrite row leaves behind.
+  "$kvrun" -r "$work" "$prog" fwrite
+  echo
+  printf '%-40s %10s %20s %20s\n' "streams (guest instructions, requests)" "per unit" \
+    "requests measured" "expected"
+  while read -r op label units calls expected; do
+    local a e
+    a=$(count -r "$work" "$prog" "$op")
+    e=$(count -r "$work" "$prog" "empty:$op")
+    # The empty stand-in's one instruction per call belongs to the call.
+    printf '%-40s %10.2f %20s %20s\n' "${label//\~/ }" "$(calc "($a - $e + $calls) / $units")" \
+      "$(requests "$op")" "$expected"
+  done <<ROWS
+putc fputc~1~MiB,~per~byte $mib $mib 1/1/1/0/2048
+puts fputs~80-byte~lines,~per~byte $mib 13108 1/1/1/0/2048
+fwrite fwrite~4~KiB~blocks,~per~byte $mib 256 1/1/513/0/256
+getc fgetc~1~MiB,~per~byte $mib $mib 1/1/1/2048/0
+fread fread~4~KiB~blocks,~per~byte $mib 256 1/1/769/256/0
+printf printf~10000~lines~to~stdout,~per~line 10000 10000 0/0/0/0/10000
+ROWS
+  rm -rf "$work"
+}
+if [ "$only" = streams ]; then
+  streams_table
+  exit 0
+fi
 if [ "$only" = printf ]; then
   printf_table
   exit 0
@@ -241,3 +286,5 @@ fp_table
 heap_table
 
 printf_table
+
+streams_table

@@ -22,8 +22,10 @@ KV_FUNCTION(protected, int, _writebuf, (const unsigned char *data, unsigned leng
   return 0;
 }
 
-KV_FUNCTION(protected, int, __flsbuf, (int ch, FILE *s)) {
-  const unsigned char byte = static_cast<unsigned char>(ch);
+namespace {
+
+// Everything but the steady line-buffered store, kept apart so that store needs no frame.
+__attribute__((noinline)) int put_slow(unsigned char byte, FILE *s) {
   s->flags = (s->flags & ~(kUngot | kUngotTaken)) | kIoStarted;
   if (s->flags & kSeekPending)
     _deferredlazyseek(s);
@@ -64,7 +66,7 @@ KV_FUNCTION(protected, int, __flsbuf, (int ch, FILE *s)) {
     return byte;
   }
 
-  // Line-buffered and unbuffered streams take this path for every character.
+  // Line-buffered and unbuffered streams: a line end or a full buffer writes out.
   *s->cursor++ = byte;
   s->flags |= kDirty;
   unsigned char *end = data_end(s);
@@ -81,6 +83,24 @@ KV_FUNCTION(protected, int, __flsbuf, (int ch, FILE *s)) {
     }
   }
   return byte;
+}
+
+} // namespace
+
+KV_FUNCTION(protected, int, __flsbuf, (int ch, FILE *s)) {
+  const unsigned char byte = static_cast<unsigned char>(ch);
+  // A line-buffered stream already writing comes here for every character; while the byte
+  // neither ends a line nor fills the buffer, storing it is all the path below would do.
+  constexpr uint32_t kSteadyMask = kWrite | kReading | kError | kSeekPending | kUngot |
+                                   kUngotTaken | kBufferModes | kWriting | kIoStarted | kDirty;
+  constexpr uint32_t kSteady = kWrite | kLineBuffered | kWriting | kIoStarted | kDirty;
+  if ((s->flags & kSteadyMask) == kSteady && byte != '\n' &&
+      data_end(s) + 1 - s->buffer < static_cast<int32_t>(s->buffer_size)) {
+    s->read_count = 0;
+    *s->cursor++ = byte;
+    return byte;
+  }
+  return put_slow(byte, s);
 }
 
 KV_FUNCTION(protected, int, _fflush, (FILE * s)) {
