@@ -186,14 +186,8 @@ __attribute__((always_inline)) inline void *allocate_locked(size_t bytes) {
     }
     return user(p);
   }
-  if (nb < state.topsize) {
-    Chunk *p = state.top;
-    size_t rsize = state.topsize -= nb;
-    Chunk *r = state.top = at(p, nb);
-    r->head = rsize | kPinuse;
-    p->head = nb | kPinuse | kCinuse;
-    return user(p);
-  }
+  if (nb < state.topsize)
+    return take_from_top(nb);
   return system_allocate(nb);
 }
 

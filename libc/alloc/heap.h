@@ -157,6 +157,15 @@ inline void set_free(Chunk *p, size_t s) {
   p->head = s | kPinuse;
   at(p, s)->prev_foot = s;
 }
+// An nb-byte chunk cut from the start of the top chunk, which must be larger than nb.
+inline void *take_from_top(size_t nb) {
+  Chunk *p = state.top;
+  size_t rsize = state.topsize -= nb;
+  Chunk *r = state.top = at(p, nb);
+  r->head = rsize | kPinuse;
+  p->head = nb | kPinuse | kCinuse;
+  return user(p);
+}
 
 [[noreturn]] void corrupted();
 [[noreturn]] void bad_free(int line);

@@ -157,14 +157,8 @@ void *system_allocate(size_t nb) {
       add_segment(base, asize);
     }
   }
-  if (nb < state.topsize) {
-    Chunk *p = state.top;
-    size_t rsize = state.topsize -= nb;
-    Chunk *r = state.top = at(p, nb);
-    r->head = rsize | kPinuse;
-    p->head = nb | kPinuse | kCinuse;
-    return user(p);
-  }
+  if (nb < state.topsize)
+    return take_from_top(nb);
   set_enomem();
   return nullptr;
 }
