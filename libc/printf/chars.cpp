@@ -33,7 +33,7 @@ KV_PRINTF_HANDLER(_printf_char) {
 
 KV_PRINTF_HANDLER(_printf_string) {
   const char *text = reinterpret_cast<const char *>(static_cast<uintptr_t>(args[0]));
-  if (!text)
+  if (__builtin_expect(!text, 0))
     text = "(null)";
   // No limit and no padding to place: the length can come out of the copy itself.
   if (!(state->flags & PF_PRECISION) && state->width <= 0 && !state->wide_hook) {
