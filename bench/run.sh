@@ -181,6 +181,8 @@ putc fputc~1~MiB,~per~byte $mib $mib 1/1/1/0/2048
 puts fputs~80-byte~lines,~per~byte $mib 13108 1/1/1/0/2048
 fwrite fwrite~4~KiB~blocks,~per~byte $mib 256 1/1/513/0/256
 getc fgetc~1~MiB,~per~byte $mib $mib 1/1/1/2048/0
+putc_unlocked putc_unlocked~1~MiB,~per~byte $mib 0 1/1/1/0/2048
+getc_unlocked getc_unlocked~1~MiB,~per~byte $mib 0 1/1/1/2048/0
 fread fread~4~KiB~blocks,~per~byte $mib 256 1/1/769/256/0
 printf printf~10000~lines~to~stdout,~per~line 10000 10000 0/0/0/0/10000
 ROWS

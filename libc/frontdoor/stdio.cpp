@@ -78,6 +78,8 @@ int fputc(int ch, FILE *s) {
   return result;
 }
 int putc(int ch, FILE *s) { return fputc(ch, s); }
+void flockfile(FILE *s) { lock(s); }
+void funlockfile(FILE *s) { unlock(s); }
 int putchar(int ch) { return fputc(ch, stdout); }
 
 int fputs(const char *text, FILE *s) {

@@ -2,6 +2,7 @@
 #define _STDIO_H
 
 #include <kv/abi.h>
+#include <kv/stream.h>
 #include <stdarg.h>
 #include <stddef.h>
 #include <sys/types.h>
@@ -49,6 +50,31 @@ int fgetc(FILE *stream);
 char *fgets(char *buffer, int size, FILE *stream);
 int ungetc(int ch, FILE *stream);
 FILE *fopen(const char *path, const char *mode);
+
+void flockfile(FILE *stream);
+void funlockfile(FILE *stream);
+/* The inline character paths, for a caller that holds the stream's lock (flockfile) or has one
+ * thread: a count test and a cursor step while the buffer lasts, the library's slow paths when
+ * it runs out. */
+int __filbuf(FILE *stream);
+int __flsbuf(int ch, FILE *stream);
+static inline int getc_unlocked(FILE *stream) {
+  if (stream->read_count > 0) {
+    --stream->read_count;
+    return *stream->cursor++;
+  }
+  return __filbuf(stream);
+}
+static inline int putc_unlocked(int ch, FILE *stream) {
+  if (stream->write_count > 0) {
+    --stream->write_count;
+    *stream->cursor++ = (unsigned char)ch;
+    return (unsigned char)ch;
+  }
+  return __flsbuf(ch, stream);
+}
+static inline int getchar_unlocked(void) { return getc_unlocked(stdin); }
+static inline int putchar_unlocked(int ch) { return putc_unlocked(ch, stdout); }
 int fclose(FILE *stream);
 int fseek(FILE *stream, long offset, int whence);
 long ftell(FILE *stream);

@@ -48,6 +48,34 @@ TEST(FrontDoor, StringFunctions) {
   EXPECT_EQ(atoi("  -123x"), -123);
 }
 
+// The inline paths across several buffer refills and flushes, mixed with the locked calls, and
+// positions that agree with what was moved.
+TEST(FrontDoor, UnlockedCharacterPathsAcrossBufferBoundaries) {
+  FILE *out = fopen("unlocked.txt", "w");
+  ASSERT_TRUE(out != nullptr);
+  flockfile(out);
+  for (int i = 0; i < 3000; ++i)
+    EXPECT_EQ(putc_unlocked('a' + i % 26, out), 'a' + i % 26);
+  funlockfile(out);
+  EXPECT_EQ(fputc('!', out), '!');
+  EXPECT_EQ(putc_unlocked(0xE9, out), 0xE9);
+  EXPECT_EQ(ftell(out), 3002L);
+  EXPECT_EQ(fclose(out), 0);
+
+  FILE *in = fopen("unlocked.txt", "r");
+  ASSERT_TRUE(in != nullptr);
+  int wrong = 0;
+  for (int i = 0; i < 3000; ++i)
+    wrong += getc_unlocked(in) != 'a' + i % 26;
+  EXPECT_EQ(wrong, 0);
+  EXPECT_EQ(fgetc(in), '!');
+  EXPECT_EQ(getc_unlocked(in), 0xE9);
+  EXPECT_EQ(getc_unlocked(in), EOF);
+  EXPECT_TRUE(feof(in) != 0);
+  EXPECT_EQ(fclose(in), 0);
+  EXPECT_EQ(remove("unlocked.txt"), 0);
+}
+
 TEST(FrontDoor, FileRoundTripAndHeap) {
   FILE *out = fopen("frontdoor.txt", "w");
   ASSERT_TRUE(out != nullptr);

@@ -7,11 +7,15 @@
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
 #include <sys/select.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <time.h>
+#include <unistd.h>
 
 /* The descriptor-set macros as C sees them: the bits set, in word order. */
 unsigned headers_c_fd_bits(int a, int b, int cleared) {
