@@ -14,3 +14,15 @@ inline bool same(const char *a, const char *b) {
     ++a, ++b;
   return *a == *b;
 }
+
+// Strips the "empty:" of a calibration run from the operation name; whether it was there.
+inline bool calibration(const char *&op) {
+  const char *prefix = "empty:";
+  const char *p = op;
+  while (*prefix && *p == *prefix)
+    ++p, ++prefix;
+  if (*prefix)
+    return false;
+  op = p;
+  return true;
+}

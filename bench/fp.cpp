@@ -140,9 +140,8 @@ int main(int argc, char **argv) {
   if (argc < 3)
     return 2;
   const char *op = argv[1];
-  bool calibrate = op[0] == 'e' && op[1] == 'm' && op[2] == 'p' && op[3] == 't' && op[4] == 'y' &&
-                   op[5] == ':';
-  const void *entry = prepare(calibrate ? op + 6 : op);
+  bool calibrate = calibration(op);
+  const void *entry = prepare(op);
   if (!entry)
     return 2;
   Fn volatile f = calibrate ? bench_empty : reinterpret_cast<Fn>(const_cast<void *>(entry));

@@ -233,16 +233,16 @@ int main(int argc, char **argv) {
   if (argc < 2)
     return 2;
   const char *op = argv[1];
+  bool empty = calibration(op);
   Trace t{};
-  if (same(op, "trace") || same(op, "empty:trace")) {
-    bool empty = op[0] == 'e';
+  if (same(op, "trace")) {
     unsigned phases = argc > 2 ? parse(argv[2]) : 0;
     Alloc a = empty ? reinterpret_cast<Alloc>(bench_empty) : real_malloc;
     Free f = empty ? reinterpret_cast<Free>(bench_empty) : real_free;
     run_trace(a, f, phases, t);
     return 0;
   }
-  if (same(op, "stats")) {
+  if (same(op, "stats") && !empty) {
     run_trace(real_malloc, real_free, 0, t);
     out("phases", t.phases);
     for (unsigned i = 0; i < t.phases && i < 64; ++i)
@@ -257,8 +257,8 @@ int main(int argc, char **argv) {
     out("steady_unmaps", system_side.steady_unmaps);
     return 0;
   }
-  if (same(op, "realloc") || same(op, "empty:realloc")) {
-    grow(op[0] == 'e' ? bench_empty : real_realloc);
+  if (same(op, "realloc")) {
+    grow(empty ? bench_empty : real_realloc);
     return 0;
   }
   return 2;

@@ -76,10 +76,7 @@ int main(int argc, char **argv) {
   if (argc < 3)
     return 2;
   const char *op = argv[1];
-  bool calibrate = op[0] == 'e' && op[1] == 'm' && op[2] == 'p' && op[3] == 't' && op[4] == 'y' &&
-                   op[5] == ':';
-  if (calibrate)
-    op += 6;
+  bool calibrate = calibration(op);
   Fn volatile fn = calibrate ? bench_empty : snprintf;
   unsigned n = parse(argv[2]);
   if (same(op, "d")) {

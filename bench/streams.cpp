@@ -166,11 +166,7 @@ int main(int argc, char **argv) {
   if (argc < 2)
     return 2;
   const char *op = argv[1];
-  bool empty = false;
-  if (op[0] == 'e' && op[1] == 'm' && op[2] == 'p' && op[3] == 't' && op[4] == 'y' && op[5] == ':') {
-    empty = true;
-    op += 6;
-  }
+  bool empty = calibration(op);
   for (const Op &each : kOps)
     if (same(op, each.name)) {
       volatile unsigned sink = each.run(empty);

@@ -17,6 +17,7 @@ bool starts_with(const char *s, const char *prefix) {
 }
 } // namespace
 
+void clear() { used = 0; }
 size_t count() { return used; }
 const char *line(size_t i) { return i < used ? lines[i] : nullptr; }
 int priority(size_t i) { return i < used ? priorities[i] : -1; }

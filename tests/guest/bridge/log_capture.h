@@ -5,6 +5,8 @@
 #include <stddef.h>
 
 namespace logcap {
+// Forgets what was captured so far, so that a test sees what one operation logged.
+void clear();
 size_t count();
 const char *line(size_t i);
 // How many captured messages start with `prefix`.

@@ -3,7 +3,7 @@
 #include <kvtest.h>
 
 #include "fake_files.h"
-#include "log_lines.h"
+#include "../bridge/log_capture.h"
 #include "stdio/stream.h"
 
 extern "C" int __read_errno(void);

@@ -3,7 +3,7 @@
 #include <kvtest.h>
 
 #include "fake_files.h"
-#include "log_lines.h"
+#include "../bridge/log_capture.h"
 #include "stdio/retarget.h"
 
 extern "C" int __read_errno(void);
@@ -46,7 +46,7 @@ TEST(SysOpen, ModeTableAndConsoleNames) {
     fake::reset();
     fake::make("f", "");
     fake::make("__stdin__x", "");
-    logs::clear();
+    logcap::clear();
     int handle = _sys_open(c.name, c.mode);
     if (c.handle == -2)
       EXPECT_TRUE(handle >= 3);
@@ -57,21 +57,21 @@ TEST(SysOpen, ModeTableAndConsoleNames) {
       EXPECT_EQ(fake::request(0).a, c.flags);
       EXPECT_EQ(fake::request(0).b, 0L); // permission bits are never sent
     }
-    ASSERT_EQ(logs::count(), c.line ? 2u : 1u);
+    ASSERT_EQ(logcap::count(), c.line ? 2u : 1u);
     if (c.line)
-      EXPECT_STREQ(logs::line(1), c.line);
+      EXPECT_STREQ(logcap::line(1), c.line);
   }
 }
 
 TEST(SysOpen, LogsNameAndModeFirst) {
   fake::reset();
-  logs::clear();
+  logcap::clear();
   _sys_open("__stdin__", 4);
-  EXPECT_STREQ(logs::line(0), "KV: (174) _sys_open( __stdin__, 4 )\n");
-  logs::clear();
+  EXPECT_STREQ(logcap::line(0), "KV: (174) _sys_open( __stdin__, 4 )\n");
+  logcap::clear();
   EXPECT_EQ(_sys_open(nullptr, 0), -1);
-  EXPECT_EQ(logs::count(), 1u);
-  EXPECT_STREQ(logs::line(0), "KV: (174) _sys_open( <null>, 0 )\n");
+  EXPECT_EQ(logcap::count(), 1u);
+  EXPECT_STREQ(logcap::line(0), "KV: (174) _sys_open( <null>, 0 )\n");
   EXPECT_EQ(fake::request_count(), 0u);
 }
 
@@ -86,11 +86,11 @@ TEST(SysOpen, FailurePassesThrough) {
 TEST(SysClose, ConsoleHandlesNeverReachTheSystemSide) {
   fake::reset();
   for (int handle = 0; handle < 3; ++handle) {
-    logs::clear();
+    logcap::clear();
     EXPECT_EQ(_sys_close(handle), 0);
-    EXPECT_EQ(logs::count(), 1u);
+    EXPECT_EQ(logcap::count(), 1u);
   }
-  EXPECT_STREQ(logs::line(0), "KV: (245) _sys_close( 2 )\n");
+  EXPECT_STREQ(logcap::line(0), "KV: (245) _sys_close( 2 )\n");
   EXPECT_EQ(fake::request_count(), 0u);
   int handle = _sys_open("g", 4);
   EXPECT_EQ(_sys_close(handle), 0);
@@ -102,11 +102,11 @@ TEST(SysRead, StandardInputAndErrorReadAsEndOfFile) {
   fake::reset();
   unsigned char buffer[64];
   for (int handle : kNoInput) {
-    logs::clear();
+    logcap::clear();
     EXPECT_EQ(static_cast<uint32_t>(_sys_read(handle, buffer, 64, 0)), 0x80000040u);
-    ASSERT_EQ(logs::count(), 1u);
+    ASSERT_EQ(logcap::count(), 1u);
   }
-  EXPECT_STREQ(logs::line(0),
+  EXPECT_STREQ(logcap::line(0),
                "KV: (301) causing explicit EOF for read std file 2 for 64 bytes\n");
   EXPECT_EQ(fake::request_count(), 0u);
   _sys_read(1, buffer, 10, 0); // handle 1 is not special
@@ -124,25 +124,25 @@ TEST(SysRead, CountsBytesNotRead) {
     int result;
   } const steps[] = {{4, 0}, {10, 4}, {8, 8}}; // the end comes back as the full length
   for (const auto &step : steps) {
-    logs::clear();
+    logcap::clear();
     EXPECT_EQ(_sys_read(handle, buffer, step.length, 0x1), step.result);
-    ASSERT_EQ(logs::count(), 2u);
+    ASSERT_EQ(logcap::count(), 2u);
   }
-  EXPECT_STREQ(logs::line(1), "KV: (311) _syscall_read returned: 0\n");
-  logs::clear();
+  EXPECT_STREQ(logcap::line(1), "KV: (311) _syscall_read returned: 0\n");
+  logcap::clear();
   _sys_read(handle, buffer, 3, 0x1);
-  EXPECT_EQ(logs::line(0)[10], '_'); // "KV: (306) _sys_read( ..."
+  EXPECT_EQ(logcap::line(0)[10], '_'); // "KV: (306) _sys_read( ..."
   fake::fail_next(fake::kRead, KV_EIO);
-  logs::clear();
+  logcap::clear();
   EXPECT_EQ(_sys_read(handle, buffer, 3, 0x1), -1);
-  EXPECT_EQ(logs::count(), 1u); // no line after a failure
+  EXPECT_EQ(logcap::count(), 1u); // no line after a failure
 }
 
 TEST(SysWrite, CountsBytesNotWrittenAndLogsNothing) {
   fake::reset();
   int handle = _sys_open("w", 4);
   unsigned char data[16] = {};
-  logs::clear();
+  logcap::clear();
   EXPECT_EQ(_sys_write(handle, data, 16, 0), 0);
   fake::short_write_next(10);
   EXPECT_EQ(_sys_write(handle, data, 16, 0), 6);
@@ -150,7 +150,7 @@ TEST(SysWrite, CountsBytesNotWrittenAndLogsNothing) {
   EXPECT_EQ(_sys_write(handle, data, 16, 0), -1);
   EXPECT_EQ(_sys_write(2, data, 3, 0), 0); // console handles go to the system side too
   EXPECT_EQ(fake::count(fake::kWrite), 4u);
-  EXPECT_EQ(logs::count(), 0u);
+  EXPECT_EQ(logcap::count(), 0u);
 }
 
 TEST(SysPosition, LengthAndSeekRequests) {
@@ -158,7 +158,7 @@ TEST(SysPosition, LengthAndSeekRequests) {
   fake::make("f", "abcdefg");
   int handle = _sys_open("f", 0);
   fake::forget_requests();
-  logs::clear();
+  logcap::clear();
   EXPECT_EQ(_sys_flen(handle), 7L);
   EXPECT_EQ(_sys_seek(handle, 3), 3);
   EXPECT_TRUE(_sys_seek(handle, -1) < 0);
@@ -168,8 +168,8 @@ TEST(SysPosition, LengthAndSeekRequests) {
   EXPECT_EQ(fake::request(1).b, 0L);
   char expected[40] = "KV: (379) _sys_flen( 3 )\n";
   expected[21] = static_cast<char>('0' + handle);
-  EXPECT_STREQ(logs::line(0), expected);
-  EXPECT_EQ(logs::count_prefix("KV: (396) _sys_seek( "), 2u);
+  EXPECT_STREQ(logcap::line(0), expected);
+  EXPECT_EQ(logcap::count_prefix("KV: (396) _sys_seek( "), 2u);
 }
 
 TEST(SysIstty, NoHandleIsATerminalAndErrnoStays) {
