@@ -7,6 +7,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include "../../support/bytes.h"
+
 extern "C" {
 int __read_errno(void);
 void __set_errno(int);
@@ -22,23 +24,10 @@ void __set_errno(int);
 
 namespace filetest {
 
+using kvtest::length_of;
+using kvtest::same_bytes;
+
 constexpr int kCreate = KV_O_WRONLY | KV_O_CREAT | KV_O_TRUNC;
-
-inline size_t length_of(const char *s) {
-  size_t n = 0;
-  while (s[n])
-    ++n;
-  return n;
-}
-
-inline bool same_bytes(const void *a, const void *b, size_t n) {
-  auto *x = static_cast<const volatile uint8_t *>(a);
-  auto *y = static_cast<const volatile uint8_t *>(b);
-  for (size_t i = 0; i < n; ++i)
-    if (x[i] != y[i])
-      return false;
-  return true;
-}
 
 // Creates or replaces the file with `text`; 0, or -1.
 inline int make_file(const char *path, const char *text) {

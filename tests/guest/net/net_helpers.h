@@ -5,7 +5,12 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include "../../support/bytes.h"
+
 namespace nettest {
+
+using kvtest::length_of;
+using kvtest::same_bytes;
 
 inline uint16_t to_net16(uint16_t v) { return static_cast<uint16_t>(v << 8 | v >> 8); }
 
@@ -23,22 +28,6 @@ inline kv_sockaddr_in6 loopback6(uint16_t port) {
   a.sin6_port = to_net16(port);
   a.sin6_addr.bytes[15] = 1;
   return a;
-}
-
-inline size_t length_of(const char *s) {
-  size_t n = 0;
-  while (s[n])
-    ++n;
-  return n;
-}
-
-inline bool same_bytes(const void *a, const void *b, size_t n) {
-  auto *x = static_cast<const uint8_t *>(a);
-  auto *y = static_cast<const uint8_t *>(b);
-  for (size_t i = 0; i < n; ++i)
-    if (x[i] != y[i])
-      return false;
-  return true;
 }
 
 inline uint32_t parse_decimal(const char *s) {
