@@ -3,8 +3,8 @@
 # A guest program is linked one of two ways:
 #   dynamic (default): a position-independent executable that needs libc.so, as users build them,
 #           with the front-door archive libkvc_front.a for the ISO C names;
-#   STATIC: an ET_EXEC linked with every object of the library (white-box tests can call the
-#           library's internal functions).
+#   STATIC: an ET_EXEC linked with every object of the library and of the libdl stand-in
+#           (white-box tests can call the library's internal functions).
 # kvrun calls the ELF entry point as main(argc, argv), so programs are linked with -e main.
 
 function(kv_guest_program name)
@@ -14,8 +14,8 @@ function(kv_guest_program name)
   if(P_STATIC)
     target_link_options(${name} PRIVATE -static -Wl,-e,main)
     target_link_libraries(${name} PRIVATE ${P_LIBRARIES}
-      -Wl,--whole-archive $<TARGET_FILE:c_static> -Wl,--no-whole-archive)
-    add_dependencies(${name} c_static)
+      -Wl,--whole-archive $<TARGET_FILE:c_static> $<TARGET_FILE:dl_static> -Wl,--no-whole-archive)
+    add_dependencies(${name} c_static dl_static)
     target_include_directories(${name} PRIVATE ${KV_SOURCE_DIR}/libc)
   else()
     target_link_options(${name} PRIVATE -Wl,-pie -Wl,-e,main)

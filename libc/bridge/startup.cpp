@@ -10,6 +10,8 @@
 #include "bridge/shutdown.h"
 #include "bridge/version.h"
 #include "locale/record.h"
+#include "posix/random.h"
+#include "runtime/exits.h"
 #include "stdio/stream.h"
 
 extern "C" char **environ;
@@ -35,7 +37,9 @@ void copy_environment() {
 
 void initialise_core() {
   *__rt_fp_status_addr() = 0;
+  seed_random(1);
   locale::init_record();
+  initialise_atexit_table();
   stdio::initialise_streams();
   set_up_exceptions();
 }

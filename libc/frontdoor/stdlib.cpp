@@ -1,5 +1,5 @@
 // Allocation, exit and a few small helpers for programs. The heap is reached through its
-// exported entry points; exit runs the functions given to atexit before the library's own way out.
+// exported entry points.
 #include <stdint.h>
 #include <stdlib.h>
 
@@ -7,13 +7,10 @@ extern "C" {
 void *__syscall_realloc(void *block, size_t size);
 void *__syscall_calloc(size_t count, size_t size);
 void __syscall_free(void *block);
+void _call_atexit_fns(void);
+long random(void);
+void srandom(unsigned seed);
 }
-
-namespace {
-constexpr int kAtexitSlots = 32;
-void (*atexit_functions[kAtexitSlots])(void);
-int atexit_count;
-} // namespace
 
 extern "C" {
 
@@ -22,19 +19,15 @@ void free(void *block) { __syscall_free(block); }
 void *realloc(void *block, size_t size) { return __syscall_realloc(block, size); }
 void *calloc(size_t count, size_t size) { return __syscall_calloc(count, size); }
 
-int atexit(void (*function)(void)) {
-  if (atexit_count == kAtexitSlots)
-    return -1;
-  atexit_functions[atexit_count++] = function;
-  return 0;
-}
-
-// _exit closes the streams, which writes out what they still hold.
+// atexit's functions are destructor records, which _exit runs newest first before it closes
+// the streams.
 void exit(int status) {
-  while (atexit_count > 0)
-    atexit_functions[--atexit_count]();
+  _call_atexit_fns();
   _exit(status);
 }
+
+int rand(void) { return static_cast<int>(random()); }
+void srand(unsigned seed) { srandom(seed); }
 
 char *getenv(const char *name) {
   if (!environ)

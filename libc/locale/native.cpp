@@ -1,7 +1,7 @@
 // The native locale: what the empty name selects, category by category.
 #include "locale/record.h"
 #include "locale/setlocale.h"
-#include "runtime/assertion.h"
+#include "runtime/exits.h"
 
 namespace kv::locale {
 
@@ -28,7 +28,7 @@ char *set_native_locale(int mask, const char *name) {
         continue;
       char *ret = setlocale(s.mask, s.name);
       if (!ret)
-        assertion_failed("ret", "kv_locale", s.line);
+        __aeabi_assert("ret", "kv_locale", s.line);
     }
     name = nullptr;
   }

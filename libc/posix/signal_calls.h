@@ -2,12 +2,8 @@
 // through the PLT, so that a definition the loader binds in their place is used by us too.
 #pragma once
 
+#include <signal.h>
 #include <sys/types.h>
 
-extern "C" {
-int kill(pid_t pid, int sig);
-pid_t getpid(void);
-int raise(int sig);
-}
-
+extern "C" pid_t getpid(void);
 extern "C" [[noreturn]] void abort(void);
