@@ -1,4 +1,4 @@
-// The library's initialisation and finalisation functions, run by the loader.
+// The library's initialisation function, run by the loader.
 #include <kv/syscall.h>
 #include <stddef.h>
 #include <stdint.h>
@@ -7,7 +7,6 @@
 #include "bridge/debug_log.h"
 #include "bridge/errno_cells.h"
 #include "bridge/exceptions.h"
-#include "bridge/shutdown.h"
 #include "bridge/version.h"
 #include "locale/record.h"
 #include "posix/random.h"
@@ -57,11 +56,6 @@ __attribute__((constructor)) void library_init() {
   debug_log("KV: (265) environ %08x\n", reinterpret_cast<unsigned>(environ));
   copy_environment();
   debug_log("KV: (287) environ %08x\n", reinterpret_cast<unsigned>(environ));
-}
-
-__attribute__((destructor)) void library_end() {
-  shutdown_core();
-  debug_log("KV: (306) ***** </libc.so> *****\n");
 }
 
 } // namespace
