@@ -13,6 +13,12 @@ inline size_t length_of(const char *s) {
   return n;
 }
 
+inline bool same_text(const char *a, const char *b) {
+  while (*a && *a == *b)
+    ++a, ++b;
+  return *a == *b;
+}
+
 // Volatile reads keep the compiler from turning the loop into a memcmp call.
 inline bool same_bytes(const void *a, const void *b, size_t n) {
   auto *x = static_cast<const volatile uint8_t *>(a);

@@ -5,6 +5,8 @@
 // abort's order shows on stdout and in the request trace.
 #include <kv/syscall.h>
 #include <stdint.h>
+
+#include "../../support/bytes.h"
 #include <stdio.h>
 #include <stdlib.h>
 
@@ -23,18 +25,8 @@ void __rt_SIGRTRED(const char *name);
 namespace {
 bool signals_return;
 
-void say(const char *text) {
-  size_t n = 0;
-  while (text[n])
-    ++n;
-  __syscall_write(1, text, n);
-}
-
-bool same(const char *a, const char *b) {
-  while (*a && *a == *b)
-    ++a, ++b;
-  return *a == *b;
-}
+void say(const char *text) { __syscall_write(1, text, kvtest::length_of(text)); }
+using kvtest::same_text;
 
 uint32_t hex(const char *text) {
   bool negative = *text == '-';
@@ -69,32 +61,32 @@ int main(int argc, char **argv) {
   const char *c = argv[1];
   uint32_t a = argc > 2 ? hex(argv[2]) : 0;
   uint32_t b = argc > 3 ? hex(argv[3]) : 0;
-  if (same(c, "handler"))
+  if (same_text(c, "handler"))
     return __default_signal_handler(static_cast<int>(a), 0);
-  if (same(c, "fpe"))
+  if (same_text(c, "fpe"))
     __rt_SIGFPE(a);
-  else if (same(c, "rtmem"))
+  else if (same_text(c, "rtmem"))
     return __rt_SIGRTMEM_inner(a);
-  else if (same(c, "raise"))
+  else if (same_text(c, "raise"))
     __rt_raise(static_cast<int>(a), b);
-  else if (same(c, "sig_exit"))
+  else if (same_text(c, "sig_exit"))
     __sig_exit(static_cast<int>(a));
-  else if (same(c, "fp_trap"))
+  else if (same_text(c, "fp_trap"))
     _fp_trap(0, 0, 0, 0, a);
-  else if (same(c, "assert"))
+  else if (same_text(c, "assert"))
     __aeabi_assert("x > 0", "f", static_cast<int>(a));
-  else if (same(c, "sigrtred"))
+  else if (same_text(c, "sigrtred"))
     __rt_SIGRTRED("stdout");
-  else if (same(c, "abort") || same(c, "abort_returning")) {
-    signals_return = same(c, "abort_returning");
+  else if (same_text(c, "abort") || same_text(c, "abort_returning")) {
+    signals_return = same_text(c, "abort_returning");
     atexit(destructor_mark);
     printf("pending");
     abort();
-  } else if (same(c, "atexit") || same(c, "atexit_exit")) {
+  } else if (same_text(c, "atexit") || same_text(c, "atexit_exit")) {
     atexit(mark_a);
     atexit(mark_b);
     atexit(mark_c);
-    if (same(c, "atexit_exit"))
+    if (same_text(c, "atexit_exit"))
       exit(3);
     return 0;
   } else

@@ -4,24 +4,16 @@
 #include <kv/syscall.h>
 #include <stdint.h>
 
+#include "../../support/bytes.h"
+
 extern "C" void __rt_raise(int sig, uint32_t type);
 
 namespace {
 intptr_t answer;
 int looked_up_which, looked_up_sig;
 
-void say(const char *text) {
-  size_t n = 0;
-  while (text[n])
-    ++n;
-  __syscall_write(1, text, n);
-}
-
-bool same(const char *a, const char *b) {
-  while (*a && *a == *b)
-    ++a, ++b;
-  return *a == *b;
-}
+void say(const char *text) { __syscall_write(1, text, kvtest::length_of(text)); }
+using kvtest::same_text;
 
 void handler(int sig, uint32_t type) {
   say(sig == 2 && type == 0x08000000 ? "handler got 2 and the type\n" : "handler got other\n");
@@ -37,11 +29,11 @@ extern "C" intptr_t __sigvec_lookup(int which, int sig) {
 int main(int argc, char **argv) {
   if (argc < 2)
     return 99;
-  if (same(argv[1], "default"))
+  if (same_text(argv[1], "default"))
     answer = -1;
-  else if (same(argv[1], "ignore"))
+  else if (same_text(argv[1], "ignore"))
     answer = -3;
-  else if (same(argv[1], "handler"))
+  else if (same_text(argv[1], "handler"))
     answer = reinterpret_cast<intptr_t>(handler);
   else
     return 99;

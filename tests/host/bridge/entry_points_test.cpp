@@ -4,12 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdio>
-#include <fstream>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
+
+#include "../guest_run.h"
 
 namespace {
 
@@ -77,28 +76,15 @@ struct Outcome {
 };
 
 Outcome run_program() {
+  kvtest_host::GuestRun run = kvtest_host::run_guest(ENTRY_POINTS_PROGRAM);
   Outcome r;
-  char trace_path[] = "/tmp/kv-trace-XXXXXX";
-  int fd = mkstemp(trace_path);
-  close(fd);
-  std::string cmd = std::string(KVRUN_PATH) + " -L " KV_GUEST_LIB_DIR " --trace " + trace_path +
-                    " " ENTRY_POINTS_PROGRAM;
-  FILE *p = popen(cmd.c_str(), "r");
-  if (!p)
-    return r;
-  char buf[4096];
-  size_t n;
-  while ((n = fread(buf, 1, sizeof buf, p)) > 0)
-    r.out.append(buf, n);
-  r.status = pclose(p);
-  std::ifstream trace(trace_path);
-  std::string line;
-  while (std::getline(trace, line)) {
+  r.status = run.status;
+  r.out = run.out;
+  for (const std::string &line : run.trace) {
     Trap t;
     if (parse(line, t))
       r.traps.push_back(t);
   }
-  unlink(trace_path);
   return r;
 }
 

@@ -1,55 +1,18 @@
 // Runs the guest programs of tests/guest/signals case by case and checks what the system side
 // received: the bytes on stdout and stderr, the exit status and, for abort, the request order.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "../guest_run.h"
+
 namespace {
 
-struct Outcome {
-  int status = -1;
-  std::string out, err;
-  std::vector<std::string> trace;
-};
-
-std::string slurp(const std::string &path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
-Outcome run(const std::string &program, const std::string &args) {
-  Outcome r;
-  char err_path[] = "/tmp/kv-sig-err-XXXXXX";
-  char trace_path[] = "/tmp/kv-sig-trace-XXXXXX";
-  close(mkstemp(err_path));
-  close(mkstemp(trace_path));
-  std::string cmd = std::string(KVRUN_PATH) + " -L " KV_GUEST_LIB_DIR " --trace " + trace_path +
-                    " " + program + " " + args + " 2>" + err_path;
-  FILE *p = popen(cmd.c_str(), "r");
-  if (!p)
-    return r;
-  char buf[4096];
-  size_t n;
-  while ((n = fread(buf, 1, sizeof buf, p)) > 0)
-    r.out.append(buf, n);
-  int raw = pclose(p);
-  r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-  r.err = slurp(err_path);
-  std::istringstream trace(slurp(trace_path));
-  for (std::string line; std::getline(trace, line);)
-    if (line.rfind("trap ", 0) == 0)
-      r.trace.push_back(line);
-  unlink(err_path);
-  unlink(trace_path);
-  return r;
+using kvtest_host::GuestRun;
+GuestRun run(const std::string &program, const std::string &args) {
+  return kvtest_host::run_guest(program, args);
 }
 
 const std::string kFpe = "\nSIGFPE: Arithmetic exception: ";
@@ -98,20 +61,25 @@ const Case kCases[] = {
     {"abort", "pending", "", 134},
 };
 
-TEST(SignalExits, ReportsAndStatuses) {
-  for (const Case &c : kCases) {
+void expect_runs(const char *program, const Case *cases, size_t count) {
+  for (size_t i = 0; i < count; ++i) {
+    const Case &c = cases[i];
     SCOPED_TRACE(c.args);
-    Outcome r = run(EXITS_PROGRAM, c.args);
+    GuestRun r = run(program, c.args);
     EXPECT_EQ(r.out, c.out);
     EXPECT_EQ(r.err, c.err);
     EXPECT_EQ(r.status, c.status);
   }
 }
 
+TEST(SignalExits, ReportsAndStatuses) {
+  expect_runs(EXITS_PROGRAM, kCases, sizeof kCases / sizeof kCases[0]);
+}
+
 // With a system side that lets signal 6 return: flush, signal, reset of signal 6, the shutdown
 // (the atexit record runs, the streams close), signal again, exit -1.
 TEST(SignalExits, AbortOrderWhenSignalsReturn) {
-  Outcome r = run(EXITS_PROGRAM, "abort_returning");
+  GuestRun r = run(EXITS_PROGRAM, "abort_returning");
   EXPECT_EQ(r.out, "pendingkill 6\ndestructor\nkill 6\n");
   EXPECT_EQ(r.status, 255);
   std::vector<std::string> names;
@@ -142,22 +110,12 @@ TEST(SignalExits, AbortOrderWhenSignalsReturn) {
 }
 
 TEST(SignalVectors, TheProgramsLookupDecides) {
-  struct VCase {
-    const char *args;
-    std::string out, err;
-    int status;
-  } cases[] = {
+  const Case cases[] = {
       {"default", "", kFpe + "\n", 1},
       {"ignore", "asked (-1, 2)\nreturned\n", "", 0},
       {"handler", "handler got 2 and the type\nasked (-1, 2)\nreturned\n", "", 0},
   };
-  for (const VCase &c : cases) {
-    SCOPED_TRACE(c.args);
-    Outcome r = run(VECTORS_PROGRAM, c.args);
-    EXPECT_EQ(r.out, c.out);
-    EXPECT_EQ(r.err, c.err);
-    EXPECT_EQ(r.status, c.status);
-  }
+  expect_runs(VECTORS_PROGRAM, cases, sizeof cases / sizeof cases[0]);
 }
 
 } // namespace
