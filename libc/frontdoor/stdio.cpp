@@ -13,6 +13,8 @@ KV_FUNCTION(protected, int, _printf_char_file, (const char *format, FILE *s, _pr
 
 using namespace kv::stdio;
 
+static_assert(_IOFBF == kFullyBuffered && _IOLBF == kLineBuffered && _IONBF == kUnbuffered);
+
 namespace {
 
 _printf_args words(va_list args) { return __builtin_bit_cast(_printf_args, args); }
@@ -174,6 +176,8 @@ FILE *fopen(const char *path, const char *mode) {
     close(fd);
   return s;
 }
+
+void setbuf(FILE *s, char *buffer) { setvbuf(s, buffer, buffer ? _IOFBF : _IONBF, BUFSIZ); }
 
 int fclose(FILE *s) {
   lock(s);

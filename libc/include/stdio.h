@@ -17,6 +17,9 @@ extern FILE *stdin, *stdout, *stderr;
 
 #define EOF (-1)
 #define BUFSIZ 512
+#define _IOFBF 0x100
+#define _IOLBF 0x200
+#define _IONBF 0x400
 #define SEEK_SET KV_SEEK_SET
 #define SEEK_CUR KV_SEEK_CUR
 #define SEEK_END KV_SEEK_END
@@ -28,6 +31,8 @@ size_t fread(void *buffer, size_t size, size_t count, FILE *stream);
 size_t fwrite(const void *buffer, size_t size, size_t count, FILE *stream);
 int remove(const char *path);
 int rename(const char *from, const char *to);
+FILE *freopen(const char *path, const char *mode, FILE *stream);
+int setvbuf(FILE *stream, char *buffer, int mode, size_t size);
 
 /* From the front-door archive (libkvc_front.a), linked beside libc.so. */
 int printf(const char *format, ...) __attribute__((format(printf, 1, 2)));
@@ -50,6 +55,7 @@ int fgetc(FILE *stream);
 char *fgets(char *buffer, int size, FILE *stream);
 int ungetc(int ch, FILE *stream);
 FILE *fopen(const char *path, const char *mode);
+void setbuf(FILE *stream, char *buffer);
 
 void flockfile(FILE *stream);
 void funlockfile(FILE *stream);

@@ -53,7 +53,7 @@ int set_buffering(FILE *s, char *buffer, int mode, size_t size) {
 }
 } // namespace
 
-extern "C" int setvbuf(FILE *s, char *buffer, int mode, size_t size) {
+KV_FUNCTION(global, int, setvbuf, (FILE * s, char *buffer, int mode, size_t size)) {
   lock(s);
   int result = set_buffering(s, buffer, mode, size);
   unlock(s);

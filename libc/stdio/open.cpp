@@ -97,7 +97,7 @@ KV_FUNCTION(protected, int, _fclose_internal, (FILE * s)) {
   return 0;
 }
 
-extern "C" FILE *freopen(const char *name, const char *mode, FILE *s) {
+KV_FUNCTION(global, FILE *, freopen, (const char *name, const char *mode, FILE *s)) {
   __mutex_acquire(&_stream_list_lock);
   lock(s);
   int result = open_record(s, name, mode);

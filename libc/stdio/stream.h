@@ -94,9 +94,10 @@ KV_FUNCTION(protected, void, _seterr, (FILE * s));
 KV_FUNCTION(protected, void, _seteof, (FILE * s));
 KV_FUNCTION(protected, int, __backspace, (FILE * s));
 
-// The ISO operations exist for the library's own use and are not exported.
-FILE *freopen(const char *name, const char *mode, FILE *s);
-int setvbuf(FILE *s, char *buffer, int mode, size_t size);
+// Programs cannot make these two from other exports, so they are exported.
+KV_FUNCTION(global, FILE *, freopen, (const char *name, const char *mode, FILE *s));
+KV_FUNCTION(global, int, setvbuf, (FILE * s, char *buffer, int mode, size_t size));
+// The other ISO operations exist for the library's own use and are not exported.
 int fflush(FILE *s);
 int fgetc(FILE *s);
 int fputc(int ch, FILE *s);

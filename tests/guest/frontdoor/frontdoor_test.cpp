@@ -3,6 +3,9 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
+
+extern "C" int open(const char *path, int flags, ...);
 
 namespace {
 
@@ -105,6 +108,57 @@ TEST(FrontDoor, FileRoundTripAndHeap) {
   int *zeros = static_cast<int *>(calloc(10, sizeof(int)));
   EXPECT_EQ(zeros[9], 0);
   free(zeros);
+}
+
+// What the system side holds of a file, read through a descriptor of its own.
+long size_on_host(const char *path) {
+  int fd = open(path, KV_O_RDONLY);
+  long size = lseek(fd, 0, SEEK_END);
+  close(fd);
+  return size;
+}
+
+TEST(FrontDoor, BufferModesDecideWhenBytesReachTheFile) {
+  struct Case {
+    int mode;
+    size_t size;
+    const char *text; // written with fputs after the buffer is set
+    long before_flush;
+  } cases[] = {
+      {_IOFBF, 8, "12345", 0},         // held in the buffer
+      {_IOFBF, 8, "123456789", 8},     // the ninth byte finds the buffer full
+      {_IOLBF, 64, "ab\ncd", 3},      // written up to the newline
+      {_IONBF, 0, "xyz", 3},           // nothing held
+  };
+  for (const Case &c : cases) {
+    FILE *f = fopen("modes.txt", "w");
+    ASSERT_TRUE(f != nullptr);
+    static char buffer[64];
+    EXPECT_EQ(setvbuf(f, c.mode == _IONBF ? nullptr : buffer, c.mode, c.size), 0);
+    EXPECT_TRUE(fputs(c.text, f) >= 0);
+    EXPECT_EQ(size_on_host("modes.txt"), c.before_flush);
+    EXPECT_EQ(fflush(f), 0);
+    EXPECT_EQ(size_on_host("modes.txt"), static_cast<long>(strlen(c.text)));
+    EXPECT_EQ(fclose(f), 0);
+  }
+  // setbuf with no buffer is unbuffered.
+  FILE *f = fopen("modes.txt", "w");
+  setbuf(f, nullptr);
+  fputc('q', f);
+  EXPECT_EQ(size_on_host("modes.txt"), 1L);
+  fclose(f);
+}
+
+TEST(FrontDoor, FreopenMovesAStreamToAnotherFile) {
+  FILE *f = fopen("first.txt", "w");
+  ASSERT_TRUE(f != nullptr);
+  fputs("one", f);
+  EXPECT_TRUE(freopen("second.txt", "w", f) == f);
+  fputs("two!", f);
+  fclose(f);
+  EXPECT_EQ(size_on_host("first.txt"), 3L); // written out when the stream was reopened
+  EXPECT_EQ(size_on_host("second.txt"), 4L);
+  EXPECT_TRUE(freopen("no/such/dir/x.txt", "r", fopen("first.txt", "r")) == nullptr);
 }
 
 } // namespace
