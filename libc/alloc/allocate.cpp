@@ -48,25 +48,59 @@ template <typename Keep> void *split_tree_fit(TreeChunk *v, size_t nb, size_t rs
 
 inline TreeChunk *leftmost_child(TreeChunk *t) { return t->child[0] ? t->child[0] : t->child[1]; }
 
-// A small request from the smallest chunk of the lowest non-empty trie.
-void *tree_small(size_t nb) {
-  uint32_t i = static_cast<uint32_t>(__builtin_ctz(state.treemap));
+// The node of the smallest indexed size of at least s, or null.
+inline TreeChunk *indexed_fit(size_t s) {
+  uint32_t k = static_cast<uint32_t>(s - kMinLarge) >> 3;
+  uint32_t w = k >> 5;
+  uint32_t bits = tree_nodes.map[w] & (~0u << (k & 31));
+  while (!bits) {
+    if (++w == kIndexedSizes / 32)
+      return nullptr;
+    bits = tree_nodes.map[w];
+  }
+  return tree_nodes.node[(w << 5) + static_cast<uint32_t>(__builtin_ctz(bits))];
+}
+
+// The smallest chunk of trie i: the root or the smallest on the path that keeps to child[0].
+inline TreeChunk *smallest_in(uint32_t i) {
   TreeChunk *v = state.treebins[i];
-  size_t rsize = size_of(v) - nb;
+  size_t vsize = size_of(v);
   for (TreeChunk *t = leftmost_child(v); t; t = leftmost_child(t)) {
-    size_t rem = size_of(t) - nb;
-    if (rem < rsize) {
-      rsize = rem;
+    if (size_of(t) < vsize) {
+      vsize = size_of(t);
       v = t;
     }
   }
-  return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { replace_spare(r, n); });
+  return v;
+}
+
+// A small request from the smallest chunk of the lowest non-empty trie.
+void *tree_small(size_t nb) {
+  TreeChunk *v = state.treemap & 15 ? indexed_fit(kMinLarge)
+                                    : smallest_in(static_cast<uint32_t>(__builtin_ctz(state.treemap)));
+  return split_tree_fit(v, nb, size_of(v) - nb,
+                        [](Chunk *r, size_t n) { replace_spare(r, n); });
 }
 
 // Best fit for a large request, or null when the spare chunk fits at least as well.
 void *tree_large(size_t nb) {
   TreeChunk *v = nullptr;
   size_t rsize = 0 - nb;
+  if (nb < kIndexedLimit) {
+    // Every size of the first four tries is indexed, so the best fit is either the next
+    // indexed size or the smallest chunk of the lowest trie above them.
+    v = indexed_fit(nb);
+    if (!v) {
+      uint32_t above = state.treemap & ~15u;
+      if (!above)
+        return nullptr;
+      v = smallest_in(static_cast<uint32_t>(__builtin_ctz(above)));
+    }
+    rsize = size_of(v) - nb;
+    if (rsize >= state.dvsize - nb)
+      return nullptr;
+    return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { insert_chunk(r, n); });
+  }
   TreePlace place = tree_place(nb);
   uint32_t idx = place.index;
   TreeChunk *t = state.treebins[idx];

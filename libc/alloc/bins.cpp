@@ -10,12 +10,44 @@ void init_bins() {
   }
 }
 
+namespace {
+inline void index_node(size_t s, TreeChunk *x) {
+  uint32_t k = static_cast<uint32_t>(s - kMinLarge) >> 3;
+  tree_nodes.node[k] = x;
+  tree_nodes.map[k >> 5] |= 1u << (k & 31);
+}
+inline void unindex_node(size_t s) {
+  uint32_t k = static_cast<uint32_t>(s - kMinLarge) >> 3;
+  tree_nodes.node[k] = nullptr;
+  tree_nodes.map[k >> 5] &= ~(1u << (k & 31));
+}
+// x joins the ring of node t, right after it.
+inline void join_ring(TreeChunk *t, TreeChunk *x) {
+  TreeChunk *f = t->fd;
+  if (!ok_address(t) || !ok_address(f))
+    corrupted();
+  t->fd = f->bk = x;
+  x->fd = f;
+  x->bk = t;
+  x->parent = nullptr;
+}
+} // namespace
+
 void insert_tree(TreeChunk *x, size_t s) {
+  x->child[0] = x->child[1] = nullptr;
+  if (s < kIndexedLimit) {
+    // Bins 0..3: the size's top bits give the bin (256, 384, 512 and 768 start them).
+    x->index = (0x33221000u >> ((s >> 7) << 2)) & 15;
+    if (TreeChunk *t = tree_nodes.node[(s - kMinLarge) >> 3]) {
+      join_ring(t, x);
+      return;
+    }
+    index_node(s, x);
+  }
   TreePlace place = tree_place(s);
   uint32_t i = place.index;
   TreeChunk **root = &state.treebins[i];
   x->index = i;
-  x->child[0] = x->child[1] = nullptr;
   if (!(state.treemap & (1u << i))) {
     state.treemap |= 1u << i;
     *root = x;
@@ -41,13 +73,7 @@ void insert_tree(TreeChunk *x, size_t s) {
       x->fd = x->bk = x;
       return;
     }
-    TreeChunk *f = t->fd;
-    if (!ok_address(t) || !ok_address(f))
-      corrupted();
-    t->fd = f->bk = x;
-    x->fd = f;
-    x->bk = t;
-    x->parent = nullptr;
+    join_ring(t, x);
     return;
   }
 }
@@ -66,7 +92,11 @@ void unlink_tree(TreeChunk *x) {
       corrupted();
     f->bk = r;
     r->fd = f;
+    if (parent && size_of(x) < kIndexedLimit)
+      tree_nodes.node[(size_of(x) - kMinLarge) >> 3] = r;
   } else {
+    if (size_of(x) < kIndexedLimit)
+      unindex_node(size_of(x));
     // The deepest rightmost descendant replaces the node.
     TreeChunk **rp = &x->child[1];
     r = *rp;

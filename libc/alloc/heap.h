@@ -66,14 +66,26 @@ struct Params {
   uint32_t default_flags;
 };
 
-// Both records in one object, so that a path that needs both reaches them from one base.
+// The trie node of every size of the first four tries (256..1023 bytes, where most tree
+// chunks are), so that a best fit is a search of a bit map and a chunk that joins a ring needs
+// no descent. The tries themselves stay as they are; this only points into them.
+constexpr size_t kIndexedLimit = 1024;
+constexpr uint32_t kIndexedSizes = (kIndexedLimit - 256) / 8;
+struct TreeNodes {
+  uint32_t map[kIndexedSizes / 32]; // bit k: a node of size 256 + 8k exists
+  TreeChunk *node[kIndexedSizes];
+};
+
+// The records in one object, so that a path that needs several reaches them from one base.
 struct Records {
   State state;
   Params params;
+  TreeNodes nodes;
 };
 extern Records records;
 static constexpr State &state = records.state;
 static constexpr Params &params = records.params;
+static constexpr TreeNodes &tree_nodes = records.nodes;
 
 constexpr size_t kMinChunk = 16;
 constexpr size_t kOverhead = 4;
