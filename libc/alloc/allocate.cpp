@@ -1,6 +1,6 @@
 // Allocation: exact small bins, the next small bins or the tries for a split, the spare chunk,
 // the top chunk, and only then the system side.
-#include "alloc/heap.h"
+#include "alloc/trie.h"
 
 namespace kv::heap {
 namespace {
@@ -33,7 +33,7 @@ Chunk *take_first_small(uint32_t i) {
 template <typename Keep> void *split_tree_fit(TreeChunk *v, size_t nb, size_t rsize, Keep keep) {
   if (!ok_address(v) || size_of(v) != nb + rsize)
     corrupted();
-  unlink_tree(v);
+  trie_unlink(v);
   Chunk *p = reinterpret_cast<Chunk *>(v);
   if (rsize < kMinChunk) {
     mark_in_use(p, rsize + nb);
@@ -99,7 +99,7 @@ void *tree_large(size_t nb) {
     rsize = size_of(v) - nb;
     if (rsize >= state.dvsize - nb)
       return nullptr;
-    return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { insert_chunk(r, n); });
+    return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { bin_chunk(r, n); });
   }
   TreePlace place = tree_place(nb);
   uint32_t idx = place.index;
@@ -152,7 +152,7 @@ void *tree_large(size_t nb) {
   }
   if (!v || rsize >= state.dvsize - nb)
     return nullptr;
-  return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { insert_chunk(r, n); });
+  return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { bin_chunk(r, n); });
 }
 
 } // namespace

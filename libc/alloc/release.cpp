@@ -2,7 +2,7 @@
 // lands in the top chunk, the spare chunk or a bin.
 #include <kv/syscall.h>
 
-#include "alloc/heap.h"
+#include "alloc/trie.h"
 #include "alloc/malloc.h"
 #include "support/export.h"
 
@@ -33,7 +33,7 @@ void release(void *mem) {
     if (!ok_address(p))
       bad_free(2672);
     if (p != state.dv) {
-      unlink_chunk(p, prevsize);
+      unbin_chunk(p, prevsize);
     } else if ((next->head & (kPinuse | kCinuse)) == (kPinuse | kCinuse)) {
       state.dvsize = psize;
       next->head &= ~kPinuse;
@@ -67,7 +67,7 @@ void release(void *mem) {
     }
     size_t nsize = size_of(next);
     psize += nsize;
-    unlink_chunk(next, nsize);
+    unbin_chunk(next, nsize);
     set_free(p, psize);
     if (p == state.dv) {
       state.dvsize = psize;
@@ -78,7 +78,7 @@ void release(void *mem) {
     next->head &= ~kPinuse;
     set_free(p, psize);
   }
-  insert_chunk(p, psize);
+  bin_chunk(p, psize);
   unlock();
 }
 
