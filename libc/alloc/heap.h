@@ -205,16 +205,17 @@ inline void unlock() {
     __mutex_release(&state.lock);
 }
 
-// Bins (bins.cpp).
-inline void insert_small(Chunk *p, size_t s) {
+// Bins (bins.cpp). `least` is state.least_addr, passed by the hot paths that hold it already.
+inline void insert_small(Chunk *p, size_t s, const char *least = state.least_addr) {
   uint32_t i = static_cast<uint32_t>(s >> 3);
   Chunk *b = small_bin(i);
   Chunk *f = b;
   if (s < kMinChunk)
     corrupted();
-  if (!(state.smallmap & (1u << i)))
-    state.smallmap |= 1u << i;
-  else if (ok_address(b->fd))
+  uint32_t map = state.smallmap;
+  if (!(map & (1u << i)))
+    state.smallmap = map | (1u << i);
+  else if (reinterpret_cast<const char *>(b->fd) >= least)
     f = b->fd;
   else
     corrupted();
@@ -223,11 +224,12 @@ inline void insert_small(Chunk *p, size_t s) {
   p->fd = f;
   p->bk = b;
 }
-inline void unlink_small(Chunk *p, size_t s) {
+inline void unlink_small(Chunk *p, size_t s, const char *least = state.least_addr) {
   uint32_t i = static_cast<uint32_t>(s >> 3);
   Chunk *b = small_bin(i);
   Chunk *f = p->fd, *k = p->bk;
-  if ((f != b && !ok_address(f)) || (k != b && !ok_address(k)) || f->bk != p || k->fd != p)
+  auto ok = [least](const void *q) { return static_cast<const char *>(q) >= least; };
+  if ((f != b && !ok(f)) || (k != b && !ok(k)) || f->bk != p || k->fd != p)
     corrupted();
   f->bk = k;
   k->fd = f;

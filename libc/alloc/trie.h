@@ -11,53 +11,37 @@ namespace kv::heap {
 // The index slot of a size of the first four tries.
 inline uint32_t node_slot(size_t s) { return static_cast<uint32_t>(s - kMinLarge) >> 3; }
 
-__attribute__((always_inline)) inline void trie_insert(TreeChunk *x, size_t s) {
-  const char *least = state.least_addr;
-  auto ok = [least](const void *p) { return static_cast<const char *>(p) >= least; };
-  x->child[0] = x->child[1] = nullptr;
-  TreeChunk *t;
-  if (s < kIndexedLimit) {
-    // Bins 0..3: the size's top bits give the bin (256, 384, 512 and 768 start them).
-    x->index = (0x33221000u >> ((s >> 7) << 2)) & 15;
-    uint32_t k = node_slot(s);
-    t = tree_nodes.node[k];
-    if (t)
-      goto join;
-    tree_nodes.node[k] = x;
-    tree_nodes.map[k >> 5] |= 1u << (k & 31);
+// x becomes the last child on its key's path; the caller knows its size is not in the trie.
+__attribute__((always_inline)) inline void trie_add_node(TreeChunk *x, TreeChunk **root, uint32_t i,
+                                                        size_t key, const char *least) {
+  x->fd = x->bk = x;
+  uint32_t map = state.treemap;
+  if (!(map & (1u << i))) {
+    state.treemap = map | (1u << i);
+    *root = x;
+    x->parent = reinterpret_cast<TreeChunk *>(root);
+    return;
   }
-  {
-    TreePlace place = tree_place(s);
-    uint32_t i = place.index;
-    TreeChunk **root = &state.treebins[i];
-    x->index = i;
-    x->fd = x->bk = x;
-    if (!(state.treemap & (1u << i))) {
-      state.treemap |= 1u << i;
-      *root = x;
-      x->parent = reinterpret_cast<TreeChunk *>(root);
+  TreeChunk *t = *root;
+  for (;;) {
+    TreeChunk **c = &t->child[key >> 31];
+    key <<= 1;
+    if (!*c) {
+      if (reinterpret_cast<const char *>(c) < least)
+        corrupted();
+      *c = x;
+      x->parent = t;
       return;
     }
-    t = *root;
-    size_t key = s << place.shift;
-    size_t head = s | kPinuse; // every chunk in a trie is free with its neighbour in front in use
-    while (t->head != head) {
-      TreeChunk **c = &t->child[key >> 31];
-      key <<= 1;
-      if (!*c) {
-        if (!ok(c))
-          corrupted();
-        *c = x;
-        x->parent = t;
-        return;
-      }
-      t = *c;
-    }
+    t = *c;
   }
-join:
-  // A size already present: x joins the node's ring, right after the node.
+}
+
+// x joins the ring of node t, right after the node.
+__attribute__((always_inline)) inline void trie_join(TreeChunk *t, TreeChunk *x,
+                                                    const char *least) {
   TreeChunk *f = t->fd;
-  if (!ok(t) || !ok(f))
+  if (reinterpret_cast<const char *>(t) < least || reinterpret_cast<const char *>(f) < least)
     corrupted();
   t->fd = f->bk = x;
   x->fd = f;
@@ -65,9 +49,53 @@ join:
   x->parent = nullptr;
 }
 
-__attribute__((always_inline)) inline void trie_unlink(TreeChunk *x) {
-  // Read once: the stores below cannot move it, but the compiler cannot tell.
-  const char *least = state.least_addr;
+__attribute__((always_inline)) inline void trie_insert(TreeChunk *x, size_t s,
+                                                      const char *least = state.least_addr) {
+  x->child[0] = x->child[1] = nullptr;
+  if (s < kIndexedLimit) {
+    // Bins 0..3: the size's top bits give the bin (256, 384, 512 and 768 start them).
+    uint32_t i = (0x33221000u >> ((s >> 7) << 2)) & 15;
+    x->index = i;
+    uint32_t k = node_slot(s);
+    if (TreeChunk *t = tree_nodes.node[k]) {
+      trie_join(t, x, least);
+      return;
+    }
+    tree_nodes.node[k] = x;
+    tree_nodes.map[k >> 5] |= 1u << (k & 31);
+    trie_add_node(x, &state.treebins[i], i, s << (25 - (i >> 1)), least);
+    return;
+  }
+  TreePlace place = tree_place(s);
+  uint32_t i = place.index;
+  TreeChunk **root = &state.treebins[i];
+  x->index = i;
+  if (!(state.treemap & (1u << i))) {
+    trie_add_node(x, root, i, 0, least);
+    return;
+  }
+  TreeChunk *t = *root;
+  size_t key = s << place.shift;
+  size_t head = s | kPinuse; // every chunk in a trie is free with its neighbour in front in use
+  while (t->head != head) {
+    TreeChunk **c = &t->child[key >> 31];
+    key <<= 1;
+    if (!*c) {
+      if (reinterpret_cast<const char *>(c) < least)
+        corrupted();
+      *c = x;
+      x->parent = t;
+      x->fd = x->bk = x;
+      return;
+    }
+    t = *c;
+  }
+  trie_join(t, x, least);
+}
+
+// `least` is read once: the stores below cannot move it, but the compiler cannot tell.
+__attribute__((always_inline)) inline void trie_unlink(TreeChunk *x,
+                                                      const char *least = state.least_addr) {
   auto ok = [least](const void *p) { return static_cast<const char *>(p) >= least; };
   TreeChunk *parent = x->parent;
   uint32_t index = x->index;
@@ -142,17 +170,19 @@ __attribute__((always_inline)) inline void trie_unlink(TreeChunk *x) {
 }
 
 // Small bins or a trie, by size.
-__attribute__((always_inline)) inline void bin_chunk(Chunk *p, size_t s) {
+__attribute__((always_inline)) inline void bin_chunk(Chunk *p, size_t s,
+                                                    const char *least = state.least_addr) {
   if (s < kMinLarge)
-    insert_small(p, s);
+    insert_small(p, s, least);
   else
-    trie_insert(reinterpret_cast<TreeChunk *>(p), s);
+    trie_insert(reinterpret_cast<TreeChunk *>(p), s, least);
 }
-__attribute__((always_inline)) inline void unbin_chunk(Chunk *p, size_t s) {
+__attribute__((always_inline)) inline void unbin_chunk(Chunk *p, size_t s,
+                                                      const char *least = state.least_addr) {
   if (s < kMinLarge)
-    unlink_small(p, s);
+    unlink_small(p, s, least);
   else
-    trie_unlink(reinterpret_cast<TreeChunk *>(p));
+    trie_unlink(reinterpret_cast<TreeChunk *>(p), least);
 }
 
 } // namespace kv::heap
