@@ -50,9 +50,8 @@ inline TreeChunk *leftmost_child(TreeChunk *t) { return t->child[0] ? t->child[0
 
 // The node of the smallest indexed size of at least s, or null.
 inline TreeChunk *indexed_fit(size_t s) {
-  uint32_t k = static_cast<uint32_t>(s - kMinLarge) >> 3;
-  uint32_t w = k >> 5;
-  uint32_t bits = tree_nodes.map[w] & (~0u << (k & 31));
+  uint32_t w = static_cast<uint32_t>(s >> 8) - 1;
+  uint32_t bits = tree_nodes.map[w] & (~0u << ((s >> 3) & 31));
   while (!bits) {
     if (++w == kIndexedSizes / 32)
       return nullptr;

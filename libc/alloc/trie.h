@@ -8,8 +8,11 @@
 
 namespace kv::heap {
 
-// The index slot of a size of the first four tries.
-inline uint32_t node_slot(size_t s) { return static_cast<uint32_t>(s - kMinLarge) >> 3; }
+// Where a size of the first four tries is indexed: the size's bits 8..9 pick the map word
+// (256..511, 512..767, 768..1023) and its bits 3..7 the bit in it.
+inline TreeChunk *&indexed_node(size_t s) { return tree_nodes.node[(s >> 3) - kMinLarge / 8]; }
+inline uint32_t &index_word(size_t s) { return tree_nodes.map[(s >> 8) - 1]; }
+inline uint32_t index_bit(size_t s) { return 1u << ((s >> 3) & 31); }
 
 // x becomes the last child on its key's path; the caller knows its size is not in the trie.
 __attribute__((always_inline)) inline void trie_add_node(TreeChunk *x, TreeChunk **root, uint32_t i,
@@ -56,13 +59,13 @@ __attribute__((always_inline)) inline void trie_insert(TreeChunk *x, size_t s,
     // Bins 0..3: the size's top bits give the bin (256, 384, 512 and 768 start them).
     uint32_t i = (0x33221000u >> ((s >> 7) << 2)) & 15;
     x->index = i;
-    uint32_t k = node_slot(s);
-    if (TreeChunk *t = tree_nodes.node[k]) {
+    TreeChunk *&node = indexed_node(s);
+    if (TreeChunk *t = node) {
       trie_join(t, x, least);
       return;
     }
-    tree_nodes.node[k] = x;
-    tree_nodes.map[k >> 5] |= 1u << (k & 31);
+    node = x;
+    index_word(s) |= index_bit(s);
     trie_add_node(x, &state.treebins[i], i, s << (25 - (i >> 1)), least);
     return;
   }
@@ -111,12 +114,12 @@ __attribute__((always_inline)) inline void trie_unlink(TreeChunk *x,
     if (!parent)
       return;
     if (index < 4)
-      tree_nodes.node[node_slot(size_of(x))] = r;
+      indexed_node(size_of(x)) = r;
   } else {
     if (index < 4) {
-      uint32_t k = node_slot(size_of(x));
-      tree_nodes.node[k] = nullptr;
-      tree_nodes.map[k >> 5] &= ~(1u << (k & 31));
+      size_t size = size_of(x);
+      indexed_node(size) = nullptr;
+      index_word(size) &= ~index_bit(size);
     }
     // The deepest rightmost descendant replaces the node.
     TreeChunk **rp = &x->child[1];
