@@ -147,8 +147,9 @@ __attribute__((always_inline)) inline void trie_unlink(TreeChunk *x,
     if (!parent)
       return;
   }
+  // Only a root has the bin's slot for a parent.
   TreeChunk **root = &state.treebins[index];
-  if (x == *root) {
+  if (parent == reinterpret_cast<TreeChunk *>(root)) {
     *root = r;
     if (!r)
       state.treemap &= ~(1u << index);
