@@ -81,25 +81,10 @@ void *tree_small(size_t nb) {
                         [](Chunk *r, size_t n) { replace_spare(r, n); });
 }
 
-// Best fit for a large request, or null when the spare chunk fits at least as well.
-void *tree_large(size_t nb) {
+// The best fit of a size beyond the indexed ones, or null.
+__attribute__((noinline)) TreeChunk *unindexed_fit(size_t nb) {
   TreeChunk *v = nullptr;
   size_t rsize = 0 - nb;
-  if (nb < kIndexedLimit) {
-    // Every size of the first four tries is indexed, so the best fit is either the next
-    // indexed size or the smallest chunk of the lowest trie above them.
-    v = indexed_fit(nb);
-    if (!v) {
-      uint32_t above = state.treemap & ~15u;
-      if (!above)
-        return nullptr;
-      v = smallest_in(static_cast<uint32_t>(__builtin_ctz(above)));
-    }
-    rsize = size_of(v) - nb;
-    if (rsize >= state.dvsize - nb)
-      return nullptr;
-    return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { bin_chunk(r, n); });
-  }
   TreePlace place = tree_place(nb);
   uint32_t idx = place.index;
   TreeChunk *t = state.treebins[idx];
@@ -149,7 +134,29 @@ void *tree_large(size_t nb) {
       t = c;
     }
   }
-  if (!v || rsize >= state.dvsize - nb)
+  return v;
+}
+
+// Best fit for a large request, or null when the spare chunk fits at least as well.
+void *tree_large(size_t nb) {
+  TreeChunk *v;
+  if (nb < kIndexedLimit) {
+    // Every size of the first four tries is indexed, so the best fit is either the next
+    // indexed size or the smallest chunk of the lowest trie above them.
+    v = indexed_fit(nb);
+    if (!v) {
+      uint32_t above = state.treemap & ~15u;
+      if (!above)
+        return nullptr;
+      v = smallest_in(static_cast<uint32_t>(__builtin_ctz(above)));
+    }
+  } else {
+    v = unindexed_fit(nb);
+    if (!v)
+      return nullptr;
+  }
+  size_t rsize = size_of(v) - nb;
+  if (rsize >= state.dvsize - nb)
     return nullptr;
   return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { bin_chunk(r, n); });
 }
