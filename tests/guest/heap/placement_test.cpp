@@ -1,10 +1,9 @@
-// White-box: where the heap puts things is part of its behaviour, so a fixed
-// mixed workload over a scripted system side must place every block exactly
-// where it always has. Each stretch of the workload folds its results
-// (addresses, heap state) into one digest, compared with the recorded ones; a
-// faster path that picks a different chunk shows up at the first stretch it
-// touches. A second test walks every trie and checks the links and sizes the
-// paths rely on.
+// White-box: where the heap puts things is part of its behaviour, so a fixed mixed workload over
+// a scripted system side must place every block exactly where it always has. Each stretch of
+// the workload folds its results (addresses, heap state) into one digest, compared with the
+// recorded ones; a faster path that picks a different chunk shows up at the first stretch it
+// touches. A second test walks every trie and checks the links and sizes the paths rely on,
+// and that the size index points at exactly the tries' nodes.
 #include <kvtest.h>
 #include <stdint.h>
 
@@ -115,19 +114,38 @@ void one_operation() {
   mix(offset(state.dv));
 }
 
-// Sizes, bins and links of the trie below node t, reached from the root along
-// `prefix`.
+unsigned indexed_nodes; // trie nodes of the sizes that the size index covers, as walked
+
+// Sizes, bins and links of the trie below node t, reached from the root along `prefix`, and
+// the size index's entry for each node it covers.
 bool trie_sound(TreeChunk *t, TreeChunk *parent, uint32_t index, size_t prefix, uint32_t depth) {
   size_t size = size_of(t);
   uint32_t shift = tree_shift(index);
   bool ok = t->parent == parent && t->index == index && tree_index(size) == index && !in_use(t) &&
             (depth == 0 || ((size << shift) >> (32 - depth)) == prefix);
+  if (size < kIndexedLimit) {
+    uint32_t k = static_cast<uint32_t>(size - kMinLarge) / 8;
+    ok &= tree_nodes.node[k] == t && ((tree_nodes.map[k / 32] >> (k % 32)) & 1);
+    ++indexed_nodes;
+  }
   for (TreeChunk *m = t->fd; m != t; m = m->fd)
     ok &= m->parent == nullptr && size_of(m) == size && m->fd->bk == m && m->index == index;
   for (int side = 0; side < 2; ++side)
     if (TreeChunk *c = t->child[side])
       ok &= depth < 32 && trie_sound(c, t, index, (prefix << 1) | side, depth + 1);
   return ok;
+}
+
+// The index holds nothing but the nodes the walk found: a bit for each entry, and no more.
+bool index_sound() {
+  unsigned entries = 0;
+  bool ok = true;
+  for (uint32_t k = 0; k < kIndexedSizes; ++k) {
+    bool bit = (tree_nodes.map[k / 32] >> (k % 32)) & 1;
+    ok &= bit == (tree_nodes.node[k] != nullptr);
+    entries += bit;
+  }
+  return ok && entries == indexed_nodes;
 }
 } // namespace
 
@@ -143,15 +161,17 @@ TEST(HeapPlacement, MixedWorkloadPlacesBlocksAsRecorded) {
   }
 }
 
-TEST(HeapPlacement, TriesStayWellFormed) {
+TEST(HeapPlacement, TriesAndTheirIndexStayWellFormed) {
   for (int round = 0; round < 8; ++round) {
     for (int i = 0; i < 1000; ++i)
       one_operation();
+    indexed_nodes = 0;
     for (uint32_t i = 0; i < kTreeBins; ++i) {
       TreeChunk *root = state.treebins[i];
       EXPECT_EQ(root != nullptr, (state.treemap >> i) & 1);
       if (root)
         EXPECT_TRUE(trie_sound(root, reinterpret_cast<TreeChunk *>(&state.treebins[i]), i, 0, 0));
     }
+    EXPECT_TRUE(index_sound());
   }
 }
