@@ -75,10 +75,11 @@ inline TreeChunk *smallest_in(uint32_t i) {
 
 // A small request from the smallest chunk of the lowest non-empty trie.
 void *tree_small(size_t nb) {
-  TreeChunk *v = state.treemap & 15 ? indexed_fit(kMinLarge)
-                                    : smallest_in(static_cast<uint32_t>(__builtin_ctz(state.treemap)));
-  return split_tree_fit(v, nb, size_of(v) - nb,
-                        [](Chunk *r, size_t n) { replace_spare(r, n); });
+  uint32_t map = state.treemap;
+  TreeChunk *v = map & ((1u << kIndexedBins) - 1)
+                     ? indexed_fit(kMinLarge)
+                     : smallest_in(static_cast<uint32_t>(__builtin_ctz(map)));
+  return split_tree_fit(v, nb, size_of(v) - nb, [](Chunk *r, size_t n) { replace_spare(r, n); });
 }
 
 // The best fit of a size beyond the indexed ones, or null.
@@ -145,7 +146,7 @@ void *tree_large(size_t nb) {
     // indexed size or the smallest chunk of the lowest trie above them.
     v = indexed_fit(nb);
     if (!v) {
-      uint32_t above = state.treemap & ~15u;
+      uint32_t above = state.treemap & (~0u << kIndexedBins);
       if (!above)
         return nullptr;
       v = smallest_in(static_cast<uint32_t>(__builtin_ctz(above)));

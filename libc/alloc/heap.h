@@ -70,7 +70,7 @@ struct Params {
 // chunks are), so that a best fit is a search of a bit map and a chunk that joins a ring needs
 // no descent. The tries themselves stay as they are; this only points into them.
 constexpr size_t kIndexedLimit = 1024;
-constexpr uint32_t kIndexedSizes = (kIndexedLimit - 256) / 8;
+constexpr uint32_t kIndexedBins = 4, kIndexedSizes = (kIndexedLimit - 256) / 8;
 struct TreeNodes {
   uint32_t map[kIndexedSizes / 32]; // bit k: a node of size 256 + 8k exists
   TreeChunk *node[kIndexedSizes];

@@ -2,8 +2,8 @@
 // lands in the top chunk, the spare chunk or a bin.
 #include <kv/syscall.h>
 
-#include "alloc/trie.h"
 #include "alloc/malloc.h"
+#include "alloc/trie.h"
 #include "support/export.h"
 
 namespace kv::heap {

@@ -16,7 +16,7 @@ inline uint32_t index_bit(size_t s) { return 1u << ((s >> 3) & 31); }
 
 // x becomes the last child on its key's path; the caller knows its size is not in the trie.
 __attribute__((always_inline)) inline void trie_add_node(TreeChunk *x, TreeChunk **root, uint32_t i,
-                                                        size_t key, const char *least) {
+                                                         size_t key, const char *least) {
   x->fd = x->bk = x;
   uint32_t map = state.treemap;
   if (!(map & (1u << i))) {
@@ -42,7 +42,7 @@ __attribute__((always_inline)) inline void trie_add_node(TreeChunk *x, TreeChunk
 
 // x joins the ring of node t, right after the node.
 __attribute__((always_inline)) inline void trie_join(TreeChunk *t, TreeChunk *x,
-                                                    const char *least) {
+                                                     const char *least) {
   TreeChunk *f = t->fd;
   if (reinterpret_cast<const char *>(t) < least || reinterpret_cast<const char *>(f) < least)
     corrupted();
@@ -53,7 +53,7 @@ __attribute__((always_inline)) inline void trie_join(TreeChunk *t, TreeChunk *x,
 }
 
 __attribute__((always_inline)) inline void trie_insert(TreeChunk *x, size_t s,
-                                                      const char *least = state.least_addr) {
+                                                       const char *least = state.least_addr) {
   x->child[0] = x->child[1] = nullptr;
   if (s < kIndexedLimit) {
     // Bins 0..3: the size's top bits give the bin (256, 384, 512 and 768 start them).
@@ -98,7 +98,7 @@ __attribute__((always_inline)) inline void trie_insert(TreeChunk *x, size_t s,
 
 // `least` is read once: the stores below cannot move it, but the compiler cannot tell.
 __attribute__((always_inline)) inline void trie_unlink(TreeChunk *x,
-                                                      const char *least = state.least_addr) {
+                                                       const char *least = state.least_addr) {
   auto ok = [least](const void *p) { return static_cast<const char *>(p) >= least; };
   TreeChunk *parent = x->parent;
   uint32_t index = x->index;
@@ -113,10 +113,10 @@ __attribute__((always_inline)) inline void trie_unlink(TreeChunk *x,
     r->fd = f;
     if (!parent)
       return;
-    if (index < 4)
+    if (index < kIndexedBins)
       indexed_node(size_of(x)) = r;
   } else {
-    if (index < 4) {
+    if (index < kIndexedBins) {
       size_t size = size_of(x);
       indexed_node(size) = nullptr;
       index_word(size) &= ~index_bit(size);
@@ -175,14 +175,14 @@ __attribute__((always_inline)) inline void trie_unlink(TreeChunk *x,
 
 // Small bins or a trie, by size.
 __attribute__((always_inline)) inline void bin_chunk(Chunk *p, size_t s,
-                                                    const char *least = state.least_addr) {
+                                                     const char *least = state.least_addr) {
   if (s < kMinLarge)
     insert_small(p, s, least);
   else
     trie_insert(reinterpret_cast<TreeChunk *>(p), s, least);
 }
 __attribute__((always_inline)) inline void unbin_chunk(Chunk *p, size_t s,
-                                                      const char *least = state.least_addr) {
+                                                       const char *least = state.least_addr) {
   if (s < kMinLarge)
     unlink_small(p, s, least);
   else
