@@ -4,6 +4,9 @@
 //   heap stats            the whole trace, then its figures on standard output
 //   heap realloc          one block grown from 16 B to 64 KiB in 16-byte steps, fresh heap
 //   heap empty:realloc    the same loop around a function that returns its first argument
+//   heap cycle N R        R times: free a block of N bytes that lies between two blocks in use,
+//                         then allocate N bytes again (it comes back from its bin or trie)
+//   heap empty:cycle N R  the same loop around an empty function
 // The trace runs in rounds over 2048 slots: a phase that frees each live block with
 // probability 1/2, then a phase that fills each empty slot with probability 1/2 (95% of the
 // sizes 1..512, the rest up to 64 KiB), slots visited in a fresh random order each phase, until
@@ -256,6 +259,18 @@ int main(int argc, char **argv) {
     out("steady_maps", system_side.steady_maps);
     out("steady_unmaps", system_side.steady_unmaps);
     return 0;
+  }
+  if (same(op, "cycle") && argc > 3) {
+    size_t n = parse(argv[2]);
+    unsigned rounds = parse(argv[3]);
+    void *before = real_malloc(n), *block = real_malloc(n), *after = real_malloc(n);
+    Alloc volatile alloc = empty ? reinterpret_cast<Alloc>(bench_empty) : real_malloc;
+    Free volatile release = empty ? reinterpret_cast<Free>(bench_empty) : real_free;
+    for (unsigned i = 0; i < rounds; ++i) {
+      release(block);
+      block = empty ? block : alloc(n);
+    }
+    return before && after ? 0 : 1;
   }
   if (same(op, "realloc")) {
     grow(empty ? bench_empty : real_realloc);

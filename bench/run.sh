@@ -98,6 +98,12 @@ heap_table() {
     a=$(count "$1" realloc); e=$(count "$1" empty:realloc)
     calc "($a - $e) / 4095 + 1"
   }
+  per_cycle() { # program size -> guest instructions per free and allocation of one block
+    local a1 a2 e1 e2 n=2000
+    a1=$(count "$1" cycle "$2" $n); a2=$(count "$1" cycle "$2" $((2 * n)))
+    e1=$(count "$1" empty:cycle "$2" $n); e2=$(count "$1" empty:cycle "$2" $((2 * n)))
+    calc "(($a2 - $a1) - ($e2 - $e1)) / $n + 2"
+  }
   field() { awk -v k="$2" '$1 == k { print $2 }' <<<"$1"; }
   read -r om of < <(per_kind "$bench/bench_heap" "$ours_stats")
   read -r tm tf < <(per_kind "$peer" "$theirs_stats")
@@ -109,6 +115,10 @@ heap_table() {
   printf '%-44s %10.1f %10.1f %16s\n' "free, 10000-op trace" "$of" "$tf" "<=40"
   printf '%-44s %10.1f %10.1f %16s\n' "realloc growth step, 16 B to 64 KiB" \
     "$(per_step "$bench/bench_heap")" "$(per_step "$peer")" "<=50"
+  printf '%-44s %10.1f %10.1f %16s\n' "free + malloc, 100 B block, bins" \
+    "$(per_cycle "$bench/bench_heap" 100)" "$(per_cycle "$peer" 100)" ""
+  printf '%-44s %10.1f %10.1f %16s\n' "free + malloc, 300 B block, tries" \
+    "$(per_cycle "$bench/bench_heap" 300)" "$(per_cycle "$peer" 300)" ""
   printf '%-44s %10d %10d %16s\n' "peak footprint of the trace (bytes)" \
     "$(field "$ours_stats" footprint_peak)" "$(field "$theirs_stats" footprint_peak)" \
     "<=$(calc "int($live * 1.1 + 16384)")"

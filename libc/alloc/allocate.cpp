@@ -1,6 +1,6 @@
 // Allocation: exact small bins, the next small bins or the tries for a split, the spare chunk,
 // the top chunk, and only then the system side.
-#include "alloc/heap.h"
+#include "alloc/trie.h"
 
 namespace kv::heap {
 namespace {
@@ -33,7 +33,7 @@ Chunk *take_first_small(uint32_t i) {
 template <typename Keep> void *split_tree_fit(TreeChunk *v, size_t nb, size_t rsize, Keep keep) {
   if (!ok_address(v) || size_of(v) != nb + rsize)
     corrupted();
-  unlink_tree(v);
+  trie_unlink(v);
   Chunk *p = reinterpret_cast<Chunk *>(v);
   if (rsize < kMinChunk) {
     mark_in_use(p, rsize + nb);
@@ -48,23 +48,42 @@ template <typename Keep> void *split_tree_fit(TreeChunk *v, size_t nb, size_t rs
 
 inline TreeChunk *leftmost_child(TreeChunk *t) { return t->child[0] ? t->child[0] : t->child[1]; }
 
-// A small request from the smallest chunk of the lowest non-empty trie.
-void *tree_small(size_t nb) {
-  uint32_t i = static_cast<uint32_t>(__builtin_ctz(state.treemap));
+// The node of the smallest indexed size of at least s, or null.
+inline TreeChunk *indexed_fit(size_t s) {
+  uint32_t w = static_cast<uint32_t>(s >> 8) - 1;
+  uint32_t bits = tree_nodes.map[w] & (~0u << ((s >> 3) & 31));
+  while (!bits) {
+    if (++w == kIndexedSizes / 32)
+      return nullptr;
+    bits = tree_nodes.map[w];
+  }
+  return tree_nodes.node[(w << 5) + static_cast<uint32_t>(__builtin_ctz(bits))];
+}
+
+// The smallest chunk of trie i: the root or the smallest on the path that keeps to child[0].
+inline TreeChunk *smallest_in(uint32_t i) {
   TreeChunk *v = state.treebins[i];
-  size_t rsize = size_of(v) - nb;
+  size_t vsize = size_of(v);
   for (TreeChunk *t = leftmost_child(v); t; t = leftmost_child(t)) {
-    size_t rem = size_of(t) - nb;
-    if (rem < rsize) {
-      rsize = rem;
+    if (size_of(t) < vsize) {
+      vsize = size_of(t);
       v = t;
     }
   }
-  return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { replace_spare(r, n); });
+  return v;
 }
 
-// Best fit for a large request, or null when the spare chunk fits at least as well.
-void *tree_large(size_t nb) {
+// A small request from the smallest chunk of the lowest non-empty trie.
+void *tree_small(size_t nb) {
+  uint32_t map = state.treemap;
+  TreeChunk *v = map & ((1u << kIndexedBins) - 1)
+                     ? indexed_fit(kMinLarge)
+                     : smallest_in(static_cast<uint32_t>(__builtin_ctz(map)));
+  return split_tree_fit(v, nb, size_of(v) - nb, [](Chunk *r, size_t n) { replace_spare(r, n); });
+}
+
+// The best fit of a size beyond the indexed ones, or null.
+__attribute__((noinline)) TreeChunk *unindexed_fit(size_t nb) {
   TreeChunk *v = nullptr;
   size_t rsize = 0 - nb;
   TreePlace place = tree_place(nb);
@@ -116,9 +135,31 @@ void *tree_large(size_t nb) {
       t = c;
     }
   }
-  if (!v || rsize >= state.dvsize - nb)
+  return v;
+}
+
+// Best fit for a large request, or null when the spare chunk fits at least as well.
+void *tree_large(size_t nb) {
+  TreeChunk *v;
+  if (nb < kIndexedLimit) {
+    // Every size of the first four tries is indexed, so the best fit is either the next
+    // indexed size or the smallest chunk of the lowest trie above them.
+    v = indexed_fit(nb);
+    if (!v) {
+      uint32_t above = state.treemap & (~0u << kIndexedBins);
+      if (!above)
+        return nullptr;
+      v = smallest_in(static_cast<uint32_t>(__builtin_ctz(above)));
+    }
+  } else {
+    v = unindexed_fit(nb);
+    if (!v)
+      return nullptr;
+  }
+  size_t rsize = size_of(v) - nb;
+  if (rsize >= state.dvsize - nb)
     return nullptr;
-  return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { insert_chunk(r, n); });
+  return split_tree_fit(v, nb, rsize, [](Chunk *r, size_t n) { bin_chunk(r, n); });
 }
 
 } // namespace

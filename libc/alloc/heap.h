@@ -66,14 +66,26 @@ struct Params {
   uint32_t default_flags;
 };
 
-// Both records in one object, so that a path that needs both reaches them from one base.
+// The trie node of every size of the first four tries (256..1023 bytes, where most tree
+// chunks are), so that a best fit is a search of a bit map and a chunk that joins a ring needs
+// no descent. The tries themselves stay as they are; this only points into them.
+constexpr size_t kIndexedLimit = 1024;
+constexpr uint32_t kIndexedBins = 4, kIndexedSizes = (kIndexedLimit - 256) / 8;
+struct TreeNodes {
+  uint32_t map[kIndexedSizes / 32]; // bit k: a node of size 256 + 8k exists
+  TreeChunk *node[kIndexedSizes];
+};
+
+// The records in one object, so that a path that needs several reaches them from one base.
 struct Records {
   State state;
   Params params;
+  TreeNodes nodes;
 };
 extern Records records;
 static constexpr State &state = records.state;
 static constexpr Params &params = records.params;
+static constexpr TreeNodes &tree_nodes = records.nodes;
 
 constexpr size_t kMinChunk = 16;
 constexpr size_t kOverhead = 4;
@@ -193,16 +205,17 @@ inline void unlock() {
     __mutex_release(&state.lock);
 }
 
-// Bins (bins.cpp).
-inline void insert_small(Chunk *p, size_t s) {
+// Bins (bins.cpp). `least` is state.least_addr, passed by the hot paths that hold it already.
+inline void insert_small(Chunk *p, size_t s, const char *least = state.least_addr) {
   uint32_t i = static_cast<uint32_t>(s >> 3);
   Chunk *b = small_bin(i);
   Chunk *f = b;
   if (s < kMinChunk)
     corrupted();
-  if (!(state.smallmap & (1u << i)))
-    state.smallmap |= 1u << i;
-  else if (ok_address(b->fd))
+  uint32_t map = state.smallmap;
+  if (!(map & (1u << i)))
+    state.smallmap = map | (1u << i);
+  else if (reinterpret_cast<const char *>(b->fd) >= least)
     f = b->fd;
   else
     corrupted();
@@ -211,11 +224,12 @@ inline void insert_small(Chunk *p, size_t s) {
   p->fd = f;
   p->bk = b;
 }
-inline void unlink_small(Chunk *p, size_t s) {
+inline void unlink_small(Chunk *p, size_t s, const char *least = state.least_addr) {
   uint32_t i = static_cast<uint32_t>(s >> 3);
   Chunk *b = small_bin(i);
   Chunk *f = p->fd, *k = p->bk;
-  if ((f != b && !ok_address(f)) || (k != b && !ok_address(k)) || f->bk != p || k->fd != p)
+  auto ok = [least](const void *q) { return static_cast<const char *>(q) >= least; };
+  if ((f != b && !ok(f)) || (k != b && !ok(k)) || f->bk != p || k->fd != p)
     corrupted();
   f->bk = k;
   k->fd = f;

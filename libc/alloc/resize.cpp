@@ -7,11 +7,12 @@
 namespace kv::heap {
 namespace {
 
-// Every case but growth into the top chunk, entered with the lock held; kept apart so that
-// the growth path saves and restores little.
-__attribute__((noinline)) void *resize_other(void *mem, size_t bytes, size_t oldsize,
-                                             size_t nb) {
+// Every case but growth into the top chunk, entered with the lock held and the block checked;
+// kept apart so that the growth path saves and restores little.
+__attribute__((noinline)) void *resize_other(void *mem, size_t bytes) {
   Chunk *p = chunk_of(mem);
+  size_t oldsize = size_of(p);
+  size_t nb = request_to_chunk(bytes);
   bool mapped = is_mapped(p);
   bool in_place = false;
   void *cut_off = nullptr;
@@ -58,12 +59,12 @@ void *resize(void *mem, size_t bytes) {
   Chunk *next = at(p, oldsize);
   if (!ok_address(p) || !(head & kCinuse) || next <= p || !prev_in_use(next))
     bad_free(2231);
-  size_t nb = request_to_chunk(bytes);
   // Growth into the top chunk first: a mapped chunk is never followed by it, and the chunk is
   // too small, so no other case applies.
-  if (next == state.top && oldsize < nb) {
+  if (next == state.top) {
+    size_t nb = request_to_chunk(bytes);
     size_t total = oldsize + state.topsize;
-    if (total > nb) {
+    if (oldsize < nb && total > nb) {
       size_t topsize = total - nb;
       p->head = (head & kPinuse) | nb | kCinuse;
       Chunk *t = at(p, nb);
@@ -74,7 +75,7 @@ void *resize(void *mem, size_t bytes) {
       return mem;
     }
   }
-  return resize_other(mem, bytes, oldsize, nb);
+  return resize_other(mem, bytes);
 }
 
 void *zeroed(size_t count, size_t size) {
