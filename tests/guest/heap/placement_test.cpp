@@ -5,6 +5,7 @@
 // touches. A second test walks every trie and checks the links and sizes the paths rely on,
 // and that the size index points at exactly the tries' nodes.
 #include <kvtest.h>
+#include <xorshift.h>
 #include <stdint.h>
 
 #include "alloc/heap.h"
@@ -55,12 +56,7 @@ void *slot[kSlots];
 uint32_t rng = 0x9E3779B9;
 uint32_t digest;
 
-uint32_t next() {
-  rng ^= rng << 13;
-  rng ^= rng >> 17;
-  rng ^= rng << 5;
-  return rng;
-}
+uint32_t next() { return kvtest::xorshift32(rng); }
 void mix(uint32_t v) { digest = (digest ^ v) * 16777619u; }
 
 size_t pick_size() {

@@ -3,6 +3,7 @@
 // once everything is freed the heap gives back all it can.
 //   kvrun -e HEAP_STRESS_OPS=1000000 heap_stress   (default 300000 operations)
 #include <kvtest.h>
+#include <xorshift.h>
 #include <stdint.h>
 
 #include "alloc/heap.h"
@@ -26,12 +27,7 @@ uint32_t rng = 0x2545F491;
 unsigned long operations = 300000;
 int failures;
 
-uint32_t next() {
-  rng ^= rng << 13;
-  rng ^= rng >> 17;
-  rng ^= rng << 5;
-  return rng;
-}
+uint32_t next() { return kvtest::xorshift32(rng); }
 
 size_t pick_size() {
   uint32_t r = next() % 1000;

@@ -1,6 +1,7 @@
 // White-box: the library's own 32-bit division (signed entry and unsigned second entry into
 // one body), on edge tables and against long division.
 #include <kvtest.h>
+#include <xorshift.h>
 
 #include "runtime/divide.h"
 
@@ -35,12 +36,7 @@ const SCase scases[] = {
 };
 
 uint32_t state = 0x9e3779b9u;
-uint32_t next_random() {
-  state ^= state << 13;
-  state ^= state >> 17;
-  state ^= state << 5;
-  return state;
-}
+uint32_t next_random() { return kvtest::xorshift32(state); }
 
 void long_division(uint32_t n, uint32_t d, uint32_t &q, uint32_t &r) {
   uint64_t rem = 0;

@@ -1,6 +1,7 @@
 // The division helpers through libc.so: edge tables with known answers, the register
 // convention of the two-result helpers, and a pseudo-random sweep against long division.
 #include <kvtest.h>
+#include <xorshift.h>
 
 #include "helpers.h"
 
@@ -165,12 +166,7 @@ TEST(Divide, OperatorsUseTheHelpers) {
 namespace {
 
 uint64_t state = 0x9e3779b97f4a7c15ull;
-uint64_t next_random() {
-  state ^= state << 13;
-  state ^= state >> 7;
-  state ^= state << 17;
-  return state;
-}
+uint64_t next_random() { return kvtest::xorshift64(state); }
 // Operands of every bit length, so that all normalisation distances occur.
 uint64_t random_operand() {
   uint64_t v = next_random();

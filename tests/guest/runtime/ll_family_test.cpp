@@ -1,6 +1,7 @@
 // The core's own 64-bit names (_ll_*) and the division by ten, through libc.so, against exact
 // references.
 #include <kvtest.h>
+#include <xorshift.h>
 
 #include "helpers.h"
 
@@ -100,12 +101,7 @@ size_t div10_edge_count() {
 }
 
 uint64_t rng = 0x2545f4914f6cdd1dull;
-uint64_t next_random() {
-  rng ^= rng << 13;
-  rng ^= rng >> 7;
-  rng ^= rng << 17;
-  return rng;
-}
+uint64_t next_random() { return kvtest::xorshift64(rng); }
 
 } // namespace
 

@@ -5,6 +5,7 @@
 #include <kv/abi.h>
 #include <kv/syscall.h>
 #include <kvtest.h>
+#include <xorshift.h>
 
 #include "stdio/stream.h"
 
@@ -27,12 +28,7 @@ struct Model {
 Model model;
 
 uint32_t state = 0x2545F491;
-uint32_t next() {
-  state ^= state << 13;
-  state ^= state >> 17;
-  state ^= state << 5;
-  return state;
-}
+uint32_t next() { return kvtest::xorshift32(state); }
 long below(long n) { return n > 0 ? static_cast<long>(next() % static_cast<uint32_t>(n)) : 0; }
 
 void model_put(unsigned char ch) {
