@@ -1,6 +1,7 @@
 // The ISO stream functions for programs: thin calls to the engine entry points libc.so exports.
 #include <kv/abi.h>
 #include <stdio.h>
+#include <string.h>
 
 #include "frontdoor/imports.h"
 #include "printf/state.h"
@@ -8,12 +9,30 @@
 
 extern "C" int open(const char *path, int flags, ...);
 extern "C" int close(int fd);
+extern "C" void __aeabi_memcpy(void *to, const void *from, size_t n);
 
 KV_FUNCTION(protected, int, _printf_char_file, (const char *format, FILE *s, _printf_args args));
 
-using namespace kv::stdio;
+using kv::stdio::get_char;
+using kv::stdio::kEof;
+using kv::stdio::kError;
+using kv::stdio::kHandleEof;
+using kv::stdio::kLinkOpen;
+using kv::stdio::kWrite;
+using kv::stdio::next_record;
+using kv::stdio::put_char;
 
 namespace {
+
+// The program calls the lock hooks through their GOT entries, the ones chars.S compares with
+// the default, so that what it checks is what is called. (A call through the PLT would also
+// take a veneer from Thumb to the ARM-state stub.)
+template <class Hook> Hook *bound(Hook *hook) {
+  asm("" : "+r"(hook));
+  return hook;
+}
+void lock(FILE *s) { bound (&__mutex_acquire)(&s->lock); }
+void unlock(FILE *s) { bound (&__mutex_release)(&s->lock); }
 
 _printf_args words(va_list args) { return __builtin_bit_cast(_printf_args, args); }
 
@@ -71,25 +90,46 @@ int snprintf(char *buffer, size_t size, const char *format, ...) {
   return count;
 }
 
-int fputc(int ch, FILE *s) {
+// The paths of fputc and fgetc (chars.S) for a bound lock hook or a buffer that is full or
+// empty.
+__attribute__((visibility("hidden"))) int kv_fputc_locked(int ch, FILE *s) {
   lock(s);
   int result = put_char(ch, s);
   unlock(s);
   return result;
 }
-int putc(int ch, FILE *s) { return fputc(ch, s); }
+__attribute__((visibility("hidden"))) int kv_fgetc_locked(FILE *s) {
+  lock(s);
+  int ch = get_char(s);
+  unlock(s);
+  return ch;
+}
 void flockfile(FILE *s) { lock(s); }
 void funlockfile(FILE *s) { unlock(s); }
 int putchar(int ch) { return fputc(ch, stdout); }
 
+// While the buffer has room (a fully buffered stream that is writing) the text goes in by runs;
+// every other byte takes the one-character path, which writes out, ends lines and fails.
 int fputs(const char *text, FILE *s) {
+  size_t left = strlen(text);
   int result = 0;
   lock(s);
-  for (; *text; ++text)
-    if (put_char(static_cast<unsigned char>(*text), s) == EOF) {
+  while (left) {
+    if (s->write_count > 0) {
+      size_t run = left < static_cast<size_t>(s->write_count) ? left : s->write_count;
+      __aeabi_memcpy(s->cursor, text, run);
+      s->cursor += run;
+      s->write_count -= static_cast<int32_t>(run);
+      text += run;
+      left -= run;
+    } else if (__flsbuf(static_cast<unsigned char>(*text), s) == EOF) {
       result = EOF;
       break;
+    } else {
+      ++text;
+      --left;
     }
+  }
   unlock(s);
   return result;
 }
@@ -104,13 +144,6 @@ int puts(const char *text) {
   return result == EOF ? EOF : 0;
 }
 
-int fgetc(FILE *s) {
-  lock(s);
-  int ch = get_char(s);
-  unlock(s);
-  return ch;
-}
-int getc(FILE *s) { return fgetc(s); }
 int getchar(void) { return fgetc(stdin); }
 
 char *fgets(char *buffer, int size, FILE *s) {
@@ -205,11 +238,11 @@ int fflush(FILE *s) {
   if (s)
     return _do_fflush(s);
   int result = 0;
-  __mutex_acquire(&_stream_list_lock);
+  bound (&__mutex_acquire)(&_stream_list_lock);
   for (FILE *each = stdin; each; each = next_record(each))
     if ((each->link & kLinkOpen) && _do_fflush(each) != 0)
       result = EOF;
-  __mutex_release(&_stream_list_lock);
+  bound (&__mutex_release)(&_stream_list_lock);
   return result;
 }
 
