@@ -1,6 +1,7 @@
 // The format interpreter: flags, width, precision and length, then the conversion letter goes
 // to the handlers in a fixed order. Where the characters go is the caller's business.
 #include "printf/state.h"
+#include "string/word.h"
 
 using namespace kv::printf;
 
@@ -41,8 +42,19 @@ struct ByteReader {
   int text() {
     const unsigned char *start = cursor;
     unsigned c;
+    // Bytes to a word boundary, then whole words without a terminator or '%' (an aligned word
+    // never reaches a page the format does not touch), then the bytes of the word that stops.
+    for (; reinterpret_cast<uintptr_t>(cursor) & 3; ++cursor)
+      if ((c = *cursor) == 0 || c == '%')
+        goto found;
+    for (;; cursor += 4) {
+      uint32_t w = *reinterpret_cast<const kv::str::word *>(cursor);
+      if (kv::str::zero_bytes(w) | kv::str::zero_bytes(w ^ kv::str::repeat('%')))
+        break;
+    }
     while ((c = *cursor) != 0 && c != '%')
       ++cursor;
+  found:
     int32_t n = static_cast<int32_t>(cursor - start);
     if (n) {
       emit(state, reinterpret_cast<const char *>(start), n);
