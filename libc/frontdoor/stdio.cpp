@@ -5,11 +5,11 @@
 
 #include "frontdoor/imports.h"
 #include "printf/state.h"
+#include "stdio/runs.h"
 #include "stdio/stream.h"
 
 extern "C" int open(const char *path, int flags, ...);
 extern "C" int close(int fd);
-extern "C" void __aeabi_memcpy(void *to, const void *from, size_t n);
 
 KV_FUNCTION(protected, int, _printf_char_file, (const char *format, FILE *s, _printf_args args));
 
@@ -21,6 +21,7 @@ using kv::stdio::kLinkOpen;
 using kv::stdio::kWrite;
 using kv::stdio::next_record;
 using kv::stdio::put_char;
+using kv::stdio::put_run;
 
 namespace {
 
@@ -108,36 +109,17 @@ void flockfile(FILE *s) { lock(s); }
 void funlockfile(FILE *s) { unlock(s); }
 int putchar(int ch) { return fputc(ch, stdout); }
 
-// While the buffer has room (a fully buffered stream that is writing) the text goes in by runs;
-// every other byte takes the one-character path, which writes out, ends lines and fails.
 int fputs(const char *text, FILE *s) {
-  size_t left = strlen(text);
-  int result = 0;
+  size_t n = strlen(text);
   lock(s);
-  while (left) {
-    if (s->write_count > 0) {
-      size_t run = left < static_cast<size_t>(s->write_count) ? left : s->write_count;
-      __aeabi_memcpy(s->cursor, text, run);
-      s->cursor += run;
-      s->write_count -= static_cast<int32_t>(run);
-      text += run;
-      left -= run;
-    } else if (__flsbuf(static_cast<unsigned char>(*text), s) == EOF) {
-      result = EOF;
-      break;
-    } else {
-      ++text;
-      --left;
-    }
-  }
+  int result = put_run(s, text, n);
   unlock(s);
   return result;
 }
 int puts(const char *text) {
+  size_t n = strlen(text);
   lock(stdout);
-  int result = 0;
-  for (; *text && result != EOF; ++text)
-    result = put_char(static_cast<unsigned char>(*text), stdout);
+  int result = put_run(stdout, text, n);
   if (result != EOF)
     result = put_char('\n', stdout);
   unlock(stdout);

@@ -1,9 +1,10 @@
-// The formatting engine hands a stream whole runs of characters. Two streams over two files, one
-// given each run at once and one given the same characters one at a time, must agree after
-// every run: the bytes written, the write requests and every field of the record.
+// Runs of characters into a stream (printf's text, fputs, puts). Two streams over two files,
+// one given each run at once and one given the same characters one at a time, must agree after
+// every run: the result, the bytes written, the write requests and every field of the record.
 #include <kvtest.h>
 
 #include "fake_files.h"
+#include "stdio/runs.h"
 #include "stdio/stream.h"
 
 using namespace kv::stdio;
@@ -52,6 +53,7 @@ TEST(StreamRuns, LeaveWhatOneCharacterAtATimeLeaves) {
     int buffering;
     size_t size;
     void (*prepare)(FILE *);
+    bool failing = false; // every write request fails
   } const setups[] = {
       {"line-buffered 16", "w", "", kLineBuffered, 16, [](FILE *) {}},
       {"line-buffered 64", "w", "", kLineBuffered, 64, [](FILE *) {}},
@@ -82,6 +84,8 @@ TEST(StreamRuns, LeaveWhatOneCharacterAtATimeLeaves) {
          _fseek(s, 4, 0);
        }},
       {"read-only", "r", "abc", 0, 0, [](FILE *) {}},
+      {"line-buffered, writes failing", "w", "", kLineBuffered, 16, [](FILE *) {}, true},
+      {"fully buffered, writes failing", "w", "", kFullyBuffered, 16, [](FILE *) {}, true},
   };
   const char *const runs[] = {"abc",
                               "defgh\nij",
@@ -106,13 +110,22 @@ TEST(StreamRuns, LeaveWhatOneCharacterAtATimeLeaves) {
       int32_t n = 0;
       while (run[n])
         ++n;
-      put_stream_run(whole, run, n);
+      if (setup.failing)
+        fake::fail_next(fake::kWrite, 5);
+      int result = put_run(whole, run, static_cast<size_t>(n));
+      if (setup.failing)
+        fake::fail_next(fake::kWrite, 5);
+      int single_result = 0;
       for (int32_t i = 0; i < n; ++i)
-        put_stream(static_cast<unsigned char>(run[i]), single);
+        if (put_char(static_cast<unsigned char>(run[i]), single) == -1)
+          single_result = -1;
+      wrong += result != single_result;
       wrong += differences(whole, single);
       wrong += writes_to(whole->handle) != writes_to(single->handle);
     }
     EXPECT_EQ(wrong, 0);
+    if (setup.failing)
+      EXPECT_TRUE((whole->flags & kError) != 0);
     if (wrong)
       kvtest::fail_detail("setup", setup.what);
     _fclose_internal(whole);
