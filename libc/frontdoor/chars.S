@@ -1,6 +1,6 @@
-@ fputc and fgetc (and putc, getc) for programs. While both lock hooks are still bound to the
-@ library's do-nothing body, taking the lock would do nothing, so a character that the buffer
-@ can take or give is stored or read here without a call or a frame. The hooks are read from
+@ fputc and fgetc (and putc, getc, putchar, getchar) for programs. While both lock hooks are
+@ still bound to the library's do-nothing body, taking the lock would do nothing, so a character
+@ that the buffer can take or give is stored or read here without a call or a frame. The hooks are read from
 @ the GOT on every call, so a replacement bound at any time is used. Everything else (a bound
 @ hook, an empty or full buffer) goes to the locked paths in stdio.cpp.
 @
@@ -37,8 +37,15 @@
 	.word	__mutex_release(GOT_PREL) + (.L\p\()_release - .L\p\()_pc_release - 8)
 	.endm
 
-@ int fputc(int ch, FILE *s)
+@ int putchar(int ch): fputc on stdout, falling into it.
 	.p2align 2
+	arm_entry putchar
+	ldr	r1, .Lstdout
+.Lpc_stdout:
+	ldr	r1, [pc, r1]			@ &stdout
+	ldr	r1, [r1]
+
+@ int fputc(int ch, FILE *s)
 	arm_entry fputc
 	arm_entry putc
 	hooks_idle r2, r3, put
@@ -51,11 +58,21 @@
 	and	r0, r0, #255
 	bx	lr
 	hook_literals put
+.Lstdout:
+	.word	stdout(GOT_PREL) + (.Lstdout - .Lpc_stdout - 8)
+	.size	putchar, . - putchar
 	.size	fputc, . - fputc
 	.size	putc, . - putc
 
-@ int fgetc(FILE *s)
+@ int getchar(void): fgetc on stdin, falling into it.
 	.p2align 2
+	arm_entry getchar
+	ldr	r0, .Lstdin
+.Lpc_stdin:
+	ldr	r0, [pc, r0]			@ &stdin
+	ldr	r0, [r0]
+
+@ int fgetc(FILE *s)
 	arm_entry fgetc
 	arm_entry getc
 	hooks_idle r1, r2, get
@@ -68,6 +85,9 @@
 	mov	r0, r1
 	bx	lr
 	hook_literals get
+.Lstdin:
+	.word	stdin(GOT_PREL) + (.Lstdin - .Lpc_stdin - 8)
+	.size	getchar, . - getchar
 	.size	fgetc, . - fgetc
 	.size	getc, . - getc
 

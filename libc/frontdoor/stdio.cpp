@@ -107,7 +107,6 @@ __attribute__((visibility("hidden"))) int kv_fgetc_locked(FILE *s) {
 }
 void flockfile(FILE *s) { lock(s); }
 void funlockfile(FILE *s) { unlock(s); }
-int putchar(int ch) { return fputc(ch, stdout); }
 
 int fputs(const char *text, FILE *s) {
   size_t n = strlen(text);
@@ -126,7 +125,6 @@ int puts(const char *text) {
   return result == EOF ? EOF : 0;
 }
 
-int getchar(void) { return fgetc(stdin); }
 
 char *fgets(char *buffer, int size, FILE *s) {
   if (size <= 0)

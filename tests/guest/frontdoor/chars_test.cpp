@@ -90,6 +90,15 @@ TEST(Chars, WrongDirectionFailsAndStaysFailed) {
   fclose(in);
 }
 
+// The console's input reads as end of file at once; putchar's output is checked by the
+// frontdoor_stdout_lines run.
+TEST(Chars, GetcharReadsStandardInput) {
+  EXPECT_EQ(getchar(), EOF);
+  EXPECT_TRUE(feof(stdin) != 0);
+  EXPECT_EQ(getchar(), EOF);
+  clearerr(stdin);
+}
+
 // Seeks inside the buffer leave a count that must go through the slow path first; pushback
 // too.
 TEST(Chars, ReadResumesAfterSeeksAndPushback) {
