@@ -9,9 +9,20 @@
 namespace kv::stdio {
 
 void put_stream(int ch, void *sink) { put_char(ch, static_cast<FILE *>(sink)); }
+// Most runs of formatted text go to a line-buffered stream, fit it and hold no newline: they
+// are only copied. The rest, and whatever follows a newline, goes in pieces.
 void put_stream_run(FILE *s, const char *text, int32_t n) {
-  // Line-buffered streams, the usual ones here, never take put_run's first case.
-  put_run_in_pieces(s, text, static_cast<size_t>(n));
+  size_t left = static_cast<size_t>(n);
+  if (left <= steady_line_room(s)) {
+    size_t copied = copy_before_newline(s->cursor, text, left);
+    s->cursor += copied;
+    s->read_count = 0;
+    if (copied == left)
+      return;
+    text += copied;
+    left -= copied;
+  }
+  put_run_in_pieces(s, text, left);
 }
 
 } // namespace kv::stdio

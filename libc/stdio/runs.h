@@ -24,6 +24,29 @@ inline void store_any_word(unsigned char *to, uint32_t w) {
   __asm__("str %1, %0" : "=m"(*reinterpret_cast<unsigned char(*)[4]>(to)) : "r"(w));
 }
 
+// How many characters a steady line-buffered stream stores without writing out (while none is
+// a newline): up to its last free byte. 0 for any other stream; a stream whose cursor lies
+// below the data end is left to the character path too.
+inline size_t steady_line_room(const FILE *s) {
+  if (!steady_line_output(s) || s->cursor < s->high_water)
+    return 0;
+  return s->buffer_size - 1 - static_cast<size_t>(s->cursor - s->buffer);
+}
+
+// Copies the characters before the first newline, at most limit of them; returns how many.
+inline size_t copy_before_newline(unsigned char *to, const char *from, size_t limit) {
+  const char *start = from, *end = from + limit;
+  for (size_t words = limit >> 2; words; --words, from += 4, to += 4) {
+    uint32_t w = load_any_word(from);
+    if (str::zero_bytes(w ^ str::repeat('\n')))
+      break;
+    store_any_word(to, w);
+  }
+  for (; from < end && *from != '\n'; ++from, ++to)
+    *to = static_cast<unsigned char>(*from);
+  return static_cast<size_t>(from - start);
+}
+
 // Pieces that need no decision go straight into the buffer: what the count still allows in a
 // fully buffered stream, or the bytes of a steady line-buffered one up to a newline or the last
 // free byte. The character that ends a piece takes __flsbuf, as it would on its own; the first
@@ -35,20 +58,8 @@ __attribute__((noinline)) inline int put_run_in_pieces(FILE *s, const char *text
       piece = n < static_cast<size_t>(s->write_count) ? n : static_cast<size_t>(s->write_count);
       s->write_count -= static_cast<int32_t>(piece);
       __aeabi_memcpy(s->cursor, text, piece);
-    } else if (steady_line_output(s) && s->cursor >= s->high_water) {
-      size_t room = s->buffer_size - 1 - static_cast<size_t>(s->cursor - s->buffer);
-      size_t limit = n < room ? n : room;
-      const char *from = text, *end = text + limit;
-      unsigned char *to = s->cursor;
-      for (size_t words = limit >> 2; words; --words, from += 4, to += 4) {
-        uint32_t w = load_any_word(from);
-        if (str::zero_bytes(w ^ str::repeat('\n')))
-          break;
-        store_any_word(to, w);
-      }
-      for (; from < end && *from != '\n'; ++from, ++to)
-        *to = static_cast<unsigned char>(*from);
-      piece = static_cast<size_t>(from - text);
+    } else if (size_t room = steady_line_room(s)) {
+      piece = copy_before_newline(s->cursor, text, n < room ? n : room);
       s->read_count = 0;
     }
     if (piece) {

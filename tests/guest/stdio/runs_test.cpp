@@ -1,6 +1,6 @@
-// Runs of characters into a stream (printf's text, fputs, puts). Two streams over two files,
-// one given each run at once and one given the same characters one at a time, must agree after
-// every run: the result, the bytes written, the write requests and every field of the record.
+// Runs of characters into a stream (printf's sink, fputs, puts). Streams given each run at once
+// must agree with one given the same characters one at a time after every run: the result, the
+// bytes written, the write requests and every field of the record.
 #include <kvtest.h>
 
 #include "fake_files.h"
@@ -100,10 +100,13 @@ TEST(StreamRuns, LeaveWhatOneCharacterAtATimeLeaves) {
   for (const Setup &setup : setups) {
     fake::reset();
     FILE *whole = open_with("whole", setup.contents, setup.mode, setup.buffering, setup.size);
+    FILE *sunk = open_with("sunk", setup.contents, setup.mode, setup.buffering, setup.size);
     FILE *single = open_with("single", setup.contents, setup.mode, setup.buffering, setup.size);
     ASSERT_TRUE(whole != nullptr);
+    ASSERT_TRUE(sunk != nullptr);
     ASSERT_TRUE(single != nullptr);
     setup.prepare(whole);
+    setup.prepare(sunk);
     setup.prepare(single);
     int wrong = 0;
     for (const char *run : runs) {
@@ -115,13 +118,18 @@ TEST(StreamRuns, LeaveWhatOneCharacterAtATimeLeaves) {
       int result = put_run(whole, run, static_cast<size_t>(n));
       if (setup.failing)
         fake::fail_next(fake::kWrite, 5);
+      put_stream_run(sunk, run, n);
+      if (setup.failing)
+        fake::fail_next(fake::kWrite, 5);
       int single_result = 0;
       for (int32_t i = 0; i < n; ++i)
         if (put_char(static_cast<unsigned char>(run[i]), single) == -1)
           single_result = -1;
       wrong += result != single_result;
       wrong += differences(whole, single);
+      wrong += differences(sunk, single);
       wrong += writes_to(whole->handle) != writes_to(single->handle);
+      wrong += writes_to(sunk->handle) != writes_to(single->handle);
     }
     EXPECT_EQ(wrong, 0);
     if (setup.failing)
@@ -129,6 +137,7 @@ TEST(StreamRuns, LeaveWhatOneCharacterAtATimeLeaves) {
     if (wrong)
       kvtest::fail_detail("setup", setup.what);
     _fclose_internal(whole);
+    _fclose_internal(sunk);
     _fclose_internal(single);
   }
 }
