@@ -32,8 +32,16 @@ template <class Hook> Hook *bound(Hook *hook) {
   asm("" : "+r"(hook));
   return hook;
 }
-void lock(FILE *s) { bound (&__mutex_acquire)(&s->lock); }
-void unlock(FILE *s) { bound (&__mutex_release)(&s->lock); }
+void take(uint32_t *mutex) {
+  auto *acquire = bound(&__mutex_acquire);
+  acquire(mutex);
+}
+void give(uint32_t *mutex) {
+  auto *release = bound(&__mutex_release);
+  release(mutex);
+}
+void lock(FILE *s) { take(&s->lock); }
+void unlock(FILE *s) { give(&s->lock); }
 
 _printf_args words(va_list args) { return __builtin_bit_cast(_printf_args, args); }
 
@@ -124,7 +132,6 @@ int puts(const char *text) {
   unlock(stdout);
   return result == EOF ? EOF : 0;
 }
-
 
 char *fgets(char *buffer, int size, FILE *s) {
   if (size <= 0)
@@ -218,11 +225,11 @@ int fflush(FILE *s) {
   if (s)
     return _do_fflush(s);
   int result = 0;
-  bound (&__mutex_acquire)(&_stream_list_lock);
+  take(&_stream_list_lock);
   for (FILE *each = stdin; each; each = next_record(each))
     if ((each->link & kLinkOpen) && _do_fflush(each) != 0)
       result = EOF;
-  bound (&__mutex_release)(&_stream_list_lock);
+  give(&_stream_list_lock);
   return result;
 }
 
