@@ -1,8 +1,8 @@
 @ fputc and fgetc (and putc, getc, putchar, getchar) for programs. While both lock hooks are
 @ still bound to the library's do-nothing body, taking the lock would do nothing, so a character
-@ that the buffer can take or give is stored or read here without a call or a frame. The hooks are read from
-@ the GOT on every call, so a replacement bound at any time is used. Everything else (a bound
-@ hook, an empty or full buffer) goes to the locked paths in stdio.cpp.
+@ that the buffer can take or give is stored or read here without a call or a frame. The hooks
+@ are read from the GOT on every call, so a replacement bound at any time is used. Everything
+@ else (a bound hook, an empty or full buffer) goes to the locked paths in stdio.cpp.
 @
 @ ARM state: there a GOT entry is two instructions, a literal and a PC-relative load.
 #include "support/asm_entry.h"
@@ -77,7 +77,7 @@
 	arm_entry getc
 	hooks_idle r1, r2, get
 	ldrd	r2, r3, [r0]			@ read_count, cursor
-	movne	r2, #0
+	movne	r2, #0				@ a bound hook: as if the buffer were empty
 	subs	r2, r2, #1
 	bmi	kv_fgetc_locked
 	ldrb	r1, [r3], #1

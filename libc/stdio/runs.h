@@ -30,7 +30,8 @@ inline void store_any_word(unsigned char *to, uint32_t w) {
 inline size_t steady_line_room(const FILE *s) {
   if (!steady_line_output(s) || s->cursor < s->high_water)
     return 0;
-  return s->buffer_size - 1 - static_cast<size_t>(s->cursor - s->buffer);
+  int32_t room = static_cast<int32_t>(s->buffer_size) - 1 - (s->cursor - s->buffer);
+  return room > 0 ? static_cast<size_t>(room) : 0;
 }
 
 // Copies the characters before the first newline, at most limit of them; returns how many.
