@@ -1,9 +1,11 @@
 // The ISO stream functions for programs: thin calls to the engine entry points libc.so exports.
 #include <kv/abi.h>
 #include <stdio.h>
+#include <string.h>
 
 #include "frontdoor/imports.h"
 #include "printf/state.h"
+#include "stdio/runs.h"
 #include "stdio/stream.h"
 
 extern "C" int open(const char *path, int flags, ...);
@@ -11,11 +13,37 @@ extern "C" int close(int fd);
 
 KV_FUNCTION(protected, int, _printf_char_file, (const char *format, FILE *s, _printf_args args));
 
-using namespace kv::stdio;
+using kv::stdio::get_char;
+using kv::stdio::kEof;
+using kv::stdio::kError;
+using kv::stdio::kHandleEof;
+using kv::stdio::kLinkOpen;
+using kv::stdio::kWrite;
+using kv::stdio::next_record;
+using kv::stdio::put_char;
+using kv::stdio::put_run;
 
 static_assert(_IOFBF == kFullyBuffered && _IOLBF == kLineBuffered && _IONBF == kUnbuffered);
 
 namespace {
+
+// The program calls the lock hooks through their GOT entries, the ones chars.S compares with
+// the default, so that what it checks is what is called. (A call through the PLT would also
+// take a veneer from Thumb to the ARM-state stub.)
+template <class Hook> Hook *bound(Hook *hook) {
+  asm("" : "+r"(hook));
+  return hook;
+}
+void take(uint32_t *mutex) {
+  auto *acquire = bound(&__mutex_acquire);
+  acquire(mutex);
+}
+void give(uint32_t *mutex) {
+  auto *release = bound(&__mutex_release);
+  release(mutex);
+}
+void lock(FILE *s) { take(&s->lock); }
+void unlock(FILE *s) { give(&s->lock); }
 
 _printf_args words(va_list args) { return __builtin_bit_cast(_printf_args, args); }
 
@@ -73,47 +101,39 @@ int snprintf(char *buffer, size_t size, const char *format, ...) {
   return count;
 }
 
-int fputc(int ch, FILE *s) {
+// The paths of fputc and fgetc (chars.S) for a bound lock hook or a buffer that is full or
+// empty.
+__attribute__((visibility("hidden"))) int kv_fputc_locked(int ch, FILE *s) {
   lock(s);
   int result = put_char(ch, s);
   unlock(s);
   return result;
 }
-int putc(int ch, FILE *s) { return fputc(ch, s); }
-void flockfile(FILE *s) { lock(s); }
-void funlockfile(FILE *s) { unlock(s); }
-int putchar(int ch) { return fputc(ch, stdout); }
-
-int fputs(const char *text, FILE *s) {
-  int result = 0;
-  lock(s);
-  for (; *text; ++text)
-    if (put_char(static_cast<unsigned char>(*text), s) == EOF) {
-      result = EOF;
-      break;
-    }
-  unlock(s);
-  return result;
-}
-int puts(const char *text) {
-  lock(stdout);
-  int result = 0;
-  for (; *text && result != EOF; ++text)
-    result = put_char(static_cast<unsigned char>(*text), stdout);
-  if (result != EOF)
-    result = put_char('\n', stdout);
-  unlock(stdout);
-  return result == EOF ? EOF : 0;
-}
-
-int fgetc(FILE *s) {
+__attribute__((visibility("hidden"))) int kv_fgetc_locked(FILE *s) {
   lock(s);
   int ch = get_char(s);
   unlock(s);
   return ch;
 }
-int getc(FILE *s) { return fgetc(s); }
-int getchar(void) { return fgetc(stdin); }
+void flockfile(FILE *s) { lock(s); }
+void funlockfile(FILE *s) { unlock(s); }
+
+int fputs(const char *text, FILE *s) {
+  size_t n = strlen(text);
+  lock(s);
+  int result = put_run(s, text, n);
+  unlock(s);
+  return result;
+}
+int puts(const char *text) {
+  size_t n = strlen(text);
+  lock(stdout);
+  int result = put_run(stdout, text, n);
+  if (result != EOF)
+    result = put_char('\n', stdout);
+  unlock(stdout);
+  return result == EOF ? EOF : 0;
+}
 
 char *fgets(char *buffer, int size, FILE *s) {
   if (size <= 0)
@@ -209,11 +229,11 @@ int fflush(FILE *s) {
   if (s)
     return _do_fflush(s);
   int result = 0;
-  __mutex_acquire(&_stream_list_lock);
+  take(&_stream_list_lock);
   for (FILE *each = stdin; each; each = next_record(each))
     if ((each->link & kLinkOpen) && _do_fflush(each) != 0)
       result = EOF;
-  __mutex_release(&_stream_list_lock);
+  give(&_stream_list_lock);
   return result;
 }
 

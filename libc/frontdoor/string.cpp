@@ -1,5 +1,6 @@
 // Block memory goes to the run-time routines libc.so exports; the string functions are small
 // enough to live here.
+#include <stdint.h>
 #include <string.h>
 
 extern "C" {
@@ -34,10 +35,19 @@ void *memchr(const void *s, int ch, size_t n) {
   return nullptr;
 }
 
+// Bytes up to a word boundary, then a word at a time (an aligned word never reaches a page the
+// string does not touch), then the bytes of the word that holds the terminator.
 size_t strlen(const char *s) {
+  typedef uint32_t __attribute__((may_alias)) word;
   const char *p = s;
-  while (*p)
-    ++p;
+  for (; reinterpret_cast<uintptr_t>(p) & 3; ++p)
+    if (!*p)
+      return static_cast<size_t>(p - s);
+  const word *w = reinterpret_cast<const word *>(p);
+  while (!((*w - 0x01010101u) & ~*w & 0x80808080u))
+    ++w;
+  for (p = reinterpret_cast<const char *>(w); *p; ++p) {
+  }
   return static_cast<size_t>(p - s);
 }
 int strcmp(const char *a, const char *b) {

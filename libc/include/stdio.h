@@ -64,17 +64,24 @@ void funlockfile(FILE *stream);
  * it runs out. */
 int __filbuf(FILE *stream);
 int __flsbuf(int ch, FILE *stream);
+/* Both fields are read before the test so that the compiler can pair the accesses. */
 static inline int getc_unlocked(FILE *stream) {
-  if (stream->read_count > 0) {
-    --stream->read_count;
-    return *stream->cursor++;
+  int32_t left = stream->read_count - 1;
+  unsigned char *at = stream->cursor;
+  if (__builtin_expect(left >= 0, 1)) {
+    stream->read_count = left;
+    stream->cursor = at + 1;
+    return *at;
   }
   return __filbuf(stream);
 }
 static inline int putc_unlocked(int ch, FILE *stream) {
-  if (stream->write_count > 0) {
-    --stream->write_count;
-    *stream->cursor++ = (unsigned char)ch;
+  unsigned char *at = stream->cursor;
+  int32_t left = stream->write_count - 1;
+  if (__builtin_expect(left >= 0, 1)) {
+    *at = (unsigned char)ch;
+    stream->cursor = at + 1;
+    stream->write_count = left;
     return (unsigned char)ch;
   }
   return __flsbuf(ch, stream);

@@ -1,6 +1,7 @@
 // The format interpreter: flags, width, precision and length, then the conversion letter goes
 // to the handlers in a fixed order. Where the characters go is the caller's business.
 #include "printf/state.h"
+#include "string/word.h"
 
 using namespace kv::printf;
 
@@ -39,16 +40,28 @@ struct ByteReader {
   const unsigned char *cursor;
   int next() { return *cursor++; }
   int text() {
-    const unsigned char *start = cursor;
+    const unsigned char *start = cursor, *p = cursor;
     unsigned c;
-    while ((c = *cursor) != 0 && c != '%')
-      ++cursor;
-    int32_t n = static_cast<int32_t>(cursor - start);
+    // Bytes to a word boundary, then whole words without a terminator or '%' (an aligned word
+    // never reaches a page the format does not touch), then the bytes of the word that stops.
+    // A local cursor: the reader's own may alias whatever the sink writes.
+    for (; reinterpret_cast<uintptr_t>(p) & 3; ++p)
+      if ((c = *p) == 0 || c == '%')
+        goto found;
+    for (;; p += 4) {
+      uint32_t w = *reinterpret_cast<const kv::str::word *>(p);
+      if (kv::str::zero_bytes(w) | kv::str::zero_bytes(w ^ kv::str::repeat('%')))
+        break;
+    }
+    while ((c = *p) != 0 && c != '%')
+      ++p;
+  found:
+    cursor = p + 1;
+    int32_t n = static_cast<int32_t>(p - start);
     if (n) {
       emit(state, reinterpret_cast<const char *>(start), n);
       state->count += n;
     }
-    ++cursor;
     return static_cast<int>(c);
   }
   void finish() { state->format_cursor = reinterpret_cast<const char *>(cursor); }

@@ -1,10 +1,11 @@
-// The memory sinks, and runs of characters: into a memory sink they are stored directly, into
-// any other sink one put_char call each.
+// The memory sinks, and runs of characters: into a memory sink they are stored directly, into a
+// stream in pieces, into any other sink one put_char call each.
 #include "printf/state.h"
 #include "string/string_internal.h"
 
 #if defined(__arm__)
 #include "runtime/block_memory.h"
+#include "stdio/stream.h"
 #endif
 
 KV_FUNCTION(protected, void, _sputc, (int ch, void *sink)) {
@@ -84,6 +85,13 @@ void emit(_printf_state *state, const char *text, int32_t n) {
       *out++ = *text++;
     return;
   }
+#if defined(__arm__)
+  // In the library (not the host build of the engine) streams take runs too.
+  if (state->put_char == kv::stdio::put_stream) {
+    kv::stdio::put_stream_run(static_cast<FILE *>(state->sink), text, n);
+    return;
+  }
+#endif
   for (int32_t i = 0; i < n; ++i)
     put(state, static_cast<unsigned char>(text[i]));
 }

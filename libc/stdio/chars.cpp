@@ -1,6 +1,8 @@
 // The locking character operations and the state queries.
 #include "stdio/retarget.h"
+#include "stdio/runs.h"
 #include "stdio/stream.h"
+#include "string/string_internal.h"
 
 using namespace kv::stdio;
 
@@ -19,13 +21,9 @@ extern "C" int fputc(int ch, FILE *s) {
 }
 
 extern "C" int fputs(const char *text, FILE *s) {
+  size_t n = strlen(text);
   lock(s);
-  int result = 0;
-  for (; *text; ++text)
-    if (put_char(static_cast<unsigned char>(*text), s) == -1) {
-      result = -1;
-      break;
-    }
+  int result = put_run(s, text, n);
   unlock(s);
   return result;
 }

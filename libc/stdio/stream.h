@@ -71,6 +71,20 @@ void terminate_streams();
 inline void lock(FILE *s);
 inline void unlock(FILE *s);
 
+// A line-buffered stream that is already writing, with nothing pending: a character that
+// neither ends a line nor fills the buffer is only stored.
+inline bool steady_line_output(const FILE *s) {
+  constexpr uint32_t kSteadyMask = kWrite | kReading | kError | kSeekPending | kUngot |
+                                   kUngotTaken | kBufferModes | kWriting | kIoStarted | kDirty;
+  constexpr uint32_t kSteady = kWrite | kLineBuffered | kWriting | kIoStarted | kDirty;
+  return (s->flags & kSteadyMask) == kSteady;
+}
+
+// The formatting engine's stream sink: one character, or a run of them left exactly as that
+// many characters would leave it.
+void put_stream(int ch, void *sink);
+void put_stream_run(FILE *s, const char *text, int32_t n);
+
 } // namespace kv::stdio
 
 extern "C" {

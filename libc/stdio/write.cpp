@@ -91,10 +91,7 @@ KV_FUNCTION(protected, int, __flsbuf, (int ch, FILE *s)) {
   const unsigned char byte = static_cast<unsigned char>(ch);
   // A line-buffered stream already writing comes here for every character; while the byte
   // neither ends a line nor fills the buffer, storing it is all the path below would do.
-  constexpr uint32_t kSteadyMask = kWrite | kReading | kError | kSeekPending | kUngot |
-                                   kUngotTaken | kBufferModes | kWriting | kIoStarted | kDirty;
-  constexpr uint32_t kSteady = kWrite | kLineBuffered | kWriting | kIoStarted | kDirty;
-  if ((s->flags & kSteadyMask) == kSteady && byte != '\n' &&
+  if (steady_line_output(s) && byte != '\n' &&
       data_end(s) + 1 - s->buffer < static_cast<int32_t>(s->buffer_size)) {
     s->read_count = 0;
     *s->cursor++ = byte;

@@ -39,6 +39,8 @@ done
 for f in __mutex_initialize __mutex_acquire __mutex_release __mutex_destroy; do
   expect "$f" WEAK FUNC
 done
+# Their shared default body under a name of its own, which programs compare the hooks with.
+expect __mutex_default GLOBAL FUNC
 for f in abort mallopt malloc_trim isatty _exit __rt_SIGRTRED __ARM_exceptions_buffer_init \
          __ARM_exceptions_buffer_allocate __ARM_exceptions_buffer_free _sys_open _sys_close \
          _sys_read _sys_write _sys_flen _sys_seek _sys_istty _sys_exit _ttywrch __filbuf \

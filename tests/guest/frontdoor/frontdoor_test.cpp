@@ -29,8 +29,8 @@ TEST(FrontDoor, StringFunctions) {
   struct {
     const char *a, *b;
     int sign;
-  } const rows[] = {{"abc", "abc", 0}, {"abc", "abd", -1}, {"b", "abc", 1}, {"", "a", -1},
-                    {"\xff", "a", 1}};
+  } const rows[] = {
+      {"abc", "abc", 0}, {"abc", "abd", -1}, {"b", "abc", 1}, {"", "a", -1}, {"\xff", "a", 1}};
   for (const auto &row : rows) {
     int r = strcmp(row.a, row.b);
     EXPECT_EQ((r > 0) - (r < 0), row.sign);
@@ -49,6 +49,25 @@ TEST(FrontDoor, StringFunctions) {
   memmove(buffer + 1, buffer, 4);
   EXPECT_EQ(memcmp(buffer, "xxxxd", 5), 0);
   EXPECT_EQ(atoi("  -123x"), -123);
+}
+
+// strlen reads aligned words: every start offset and length, bytes that look like a word's
+// zero test (0x01, 0x80, 0xff) around the terminator, and text after it that must not count.
+TEST(FrontDoor, StrlenAtEveryAlignment) {
+  const unsigned char fill[] = {'a', 0x01, 0x80, 0xff, 0x7f, 0xfe};
+  for (size_t first = 0; first < sizeof fill; ++first) {
+    int wrong = 0;
+    for (size_t offset = 0; offset < 8; ++offset)
+      for (size_t length = 0; length < 40; ++length) {
+        alignas(8) char buffer[64];
+        memset(buffer, 'z', sizeof buffer);
+        for (size_t i = 0; i < length; ++i)
+          buffer[offset + i] = static_cast<char>(fill[(first + i) % sizeof fill]);
+        buffer[offset + length] = 0;
+        wrong += strlen(buffer + offset) != length;
+      }
+    EXPECT_EQ(wrong, 0);
+  }
 }
 
 // The inline paths across several buffer refills and flushes, mixed with the locked calls, and

@@ -161,6 +161,39 @@ TEST(Printf, SnprintfTruncates) {
   EXPECT_STREQ(b, "    ");
 }
 
+// Plain text is scanned a word at a time once aligned: every start offset and length, ended
+// by a conversion, a percent sign, a lone '%' or the terminator, with more '%' after the end.
+TEST(Printf, PlainTextAtEveryAlignment) {
+  static const char letters[] = "abcdefghijklmnopq";
+  const struct {
+    const char *tail, *out;
+  } tails[] = {{"", ""}, {"%d", "7"}, {"%%", "%"}, {"%", ""}, {"%d!", "7!"}};
+  int wrong = 0;
+  for (const auto &tail : tails)
+    for (int offset = 0; offset < 8; ++offset)
+      for (int length = 0; length < 14; ++length) {
+        alignas(8) char format[48];
+        for (char &c : format)
+          c = '%';
+        char want[48];
+        int n = 0;
+        for (; n < length; ++n)
+          format[offset + n] = want[n] = letters[n];
+        int t = 0;
+        for (; tail.tail[t]; ++t)
+          format[offset + n + t] = tail.tail[t];
+        format[offset + n + t] = 0;
+        for (int i = 0; tail.out[i]; ++i)
+          want[n++] = tail.out[i];
+        want[n] = 0;
+        char out[48];
+        wrong += sprintf(out, format + offset, 7) != n;
+        for (int i = 0; i <= n; ++i)
+          wrong += out[i] != want[i];
+      }
+  EXPECT_EQ(wrong, 0);
+}
+
 TEST(Printf, SprintfTerminates) {
   char b[32];
   for (char &c : b)
