@@ -23,7 +23,8 @@ using kv::stdio::next_record;
 using kv::stdio::put_char;
 using kv::stdio::put_run;
 
-static_assert(_IOFBF == kFullyBuffered && _IOLBF == kLineBuffered && _IONBF == kUnbuffered);
+static_assert(_IOFBF == kv::stdio::kFullyBuffered && _IOLBF == kv::stdio::kLineBuffered &&
+              _IONBF == kv::stdio::kUnbuffered);
 
 namespace {
 
