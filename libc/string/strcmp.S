@@ -1,8 +1,11 @@
 @ int strcmp(const char *a, const char *b) -- library-internal, bytes compared unsigned.
 @ With both strings at the same word offset the bulk compares words: a word decides when it
-@ differs or holds a zero byte (UADD8 marks the non-zero bytes, SEL merges the two tests). When
-@ they also share their offset within 16 bytes, 16-byte blocks are read with LDM: a block
-@ never crosses a page, so reading past the terminator is harmless.
+@ differs or holds a zero byte (UADD8 marks the non-zero bytes, SEL merges the two tests).
+@ When they also share their offset within 16 bytes, blocks are read with LDM: USADA8 sums the
+@ byte differences of a block (zero exactly when the blocks are equal), the AND of a's words
+@ shows each zero byte (and sometimes one that no word has), and one SEL merges the two. An
+@ aligned block never crosses a page, so reading past the terminator is harmless. Strings at
+@ the same offset within 64 bytes use 64-byte blocks, others 16-byte ones.
 	.syntax unified
 	.thumb
 	.text
@@ -13,11 +16,96 @@
 	.p2align 2
 strcmp:
 	orr	r2, r0, r1
-	lsls	r2, r2, #30
-	beq	.Lwords
+	lsls	r2, r2, #26
+	bne	.Lnot64
+	push	{r4-r11, lr}
+	mvn	r9, #0
+
+	@ r6: sum of byte differences; r11 and lr: AND of a's words in each half.
+.Lblock64:
+	ldmia	r0!, {r2-r5}
+	ldmia	r1!, {r7, r8, r10, r12}
+	usad8	r6, r2, r7
+	usada8	r6, r3, r8, r6
+	usada8	r6, r4, r10, r6
+	usada8	r6, r5, r12, r6
+	and	r11, r2, r3
+	and	r4, r4, r5
+	and	r11, r11, r4
+	ldmia	r0!, {r2-r5}
+	ldmia	r1!, {r7, r8, r10, r12}
+	usada8	r6, r2, r7, r6
+	usada8	r6, r3, r8, r6
+	usada8	r6, r4, r10, r6
+	usada8	r6, r5, r12, r6
+	and	r2, r2, r3
+	and	r4, r4, r5
+	and	r11, r11, r2
+	and	r11, r11, r4
+	ldmia	r0!, {r2-r5}
+	ldmia	r1!, {r7, r8, r10, r12}
+	usada8	r6, r2, r7, r6
+	usada8	r6, r3, r8, r6
+	usada8	r6, r4, r10, r6
+	usada8	r6, r5, r12, r6
+	and	lr, r2, r3
+	and	r4, r4, r5
+	and	lr, lr, r4
+	ldmia	r0!, {r2-r5}
+	ldmia	r1!, {r7, r8, r10, r12}
+	usada8	r6, r2, r7, r6
+	usada8	r6, r3, r8, r6
+	usada8	r6, r4, r10, r6
+	usada8	r6, r5, r12, r6
+	and	r2, r2, r3
+	and	r4, r4, r5
+	and	lr, lr, r2
+	and	lr, lr, r4
+	and	r2, r11, lr
+	uadd8	r2, r2, r9
+	sel	r2, r6, r9		@ zero only for equal blocks without a zero byte
+	cmp	r2, #0
+	beq	.Lblock64
+	cbz	r6, .Lequal64
+	subs	r0, r0, #64
+	subs	r1, r1, #64
+	b	.Lword_loop
+
+.Lequal64:
+	@ The blocks are equal: the strings are too if a's block holds a real zero byte.
+	uadd8	r2, r11, r9
+	sel	r2, r6, r9
+	cbnz	r2, .Lfirst_half
+.Lsecond_half:
+	ldmdb	r0, {r3-r5, r7, r8, r10-r12}
+	.irp w, r3, r4, r5, r7, r8, r10, r11, r12
+	uadd8	r2, \w, r9
+	sel	r2, r6, r9
+	cbnz	r2, .Lzero
+	.endr
+	b	.Lblock64
+.Lzero:
+	movs	r0, #0
+	pop	{r4-r11, pc}
+.Lfirst_half:
+	sub	r2, r0, #32
+	ldmdb	r2, {r3-r5, r7, r8, r10-r12}
+	.irp w, r3, r4, r5, r7, r8, r10, r11, r12
+	uadd8	r2, \w, r9
+	sel	r2, r6, r9
+	cbnz	r2, .Lzero_first
+	.endr
+	b	.Lsecond_half
+.Lzero_first:
+	movs	r0, #0
+	pop	{r4-r11, pc}
+
+.Lnot64:
 	eor	r2, r0, r1
 	tst	r2, #3
 	bne	.Lbytes
+	tst	r0, #3
+	beq	.Lwords
 1:	ldrb	r2, [r0], #1
 	ldrb	r3, [r1], #1
 	cmp	r2, #1
@@ -75,69 +163,63 @@ strcmp:
 .Lwords:
 	push	{r4-r11, lr}
 	mvn	r9, #0
-	mov	r10, #0
-	orr	r2, r0, r1
-	tst	r2, #15
-	beq	.Lblock
 	eor	r2, r0, r1
 	tst	r2, #15
 	bne	.Lword_loop
-2:	ldr	r2, [r0], #4
+2:	tst	r0, #15
+	beq	.Lto64
+	ldr	r2, [r0], #4
 	ldr	r3, [r1], #4
 	uadd8	r4, r2, r9
 	eor	r4, r2, r3
 	sel	r4, r4, r9
 	cmp	r4, #0
 	bne	.Lend
-	tst	r0, #15
-	bne	2b
+	b	2b
 
-.Lblock:
-	ldmia	r0!, {r2, r3, r5, r6}
-	ldmia	r1!, {r7, r8, r12, lr}
-	uadd8	r4, r2, r9
-	sel	r11, r10, r9
-	uadd8	r4, r3, r9
-	sel	r11, r11, r9
-	uadd8	r4, r5, r9
-	sel	r11, r11, r9
-	uadd8	r4, r6, r9
-	sel	r11, r11, r9
-	cmp	r2, r7
-	itt	eq
-	cmpeq	r3, r8
-	cmpeq	r5, r12
-	itt	eq
-	cmpeq	r6, lr
-	cmpeq	r11, #0
-	beq	.Lblock
-	@ The decision lies in this block: find its word among the registers.
-	uadd8	r4, r2, r9
-	eor	r4, r2, r7
-	sel	r4, r4, r9
-	cbnz	r4, 3f
-	uadd8	r4, r3, r9
-	eor	r4, r3, r8
-	sel	r4, r4, r9
-	cbnz	r4, 4f
-	uadd8	r4, r5, r9
-	eor	r4, r5, r12
-	sel	r4, r4, r9
-	cbnz	r4, 5f
-	uadd8	r4, r6, r9
-	eor	r4, r6, lr
-	sel	r4, r4, r9
-	mov	r2, r6
-	mov	r3, lr
-	b	.Lend
-3:	mov	r3, r7
-	b	.Lend
-4:	mov	r2, r3
-	mov	r3, r8
-	b	.Lend
-5:	mov	r2, r5
-	mov	r3, r12
-	b	.Lend
+	@ One 16-byte block: r6 sums the byte differences, r11 is the AND of a's words; a block
+	@ that shows neither goes on at \next, one with a false zero byte at \again.
+	.macro block16 next, again
+	ldmia	r0!, {r2-r5}
+	ldmia	r1!, {r7, r8, r10, r12}
+	usad8	r6, r2, r7
+	usada8	r6, r3, r8, r6
+	usada8	r6, r4, r10, r6
+	usada8	r6, r5, r12, r6
+	and	r11, r2, r3
+	and	lr, r4, r5
+	and	r11, r11, lr
+	uadd8	r11, r11, r9
+	sel	r11, r6, r9
+	cmp	r11, #0
+	beq	\next
+	cbz	r6, 1f
+	subs	r0, r0, #16
+	subs	r1, r1, #16
+	b	.Lword_loop
+1:	ldmdb	r0, {r2-r5}
+	.irp w, r2, r3, r4, r5
+	uadd8	r7, \w, r9
+	sel	r7, r6, r9
+	cbnz	r7, 2f
+	.endr
+	b	\again
+2:	movs	r0, #0
+	pop	{r4-r11, pc}
+	.endm
+
+.Lto64:
+	@ Both 16-byte aligned: with the same offset within 64 bytes, 16-byte blocks up to the
+	@ 64-byte bulk.
+	eor	r2, r0, r1
+	tst	r2, #48
+	bne	.Lblock16
+3:	tst	r0, #48
+	beq	.Lblock64
+	block16 3b, 3b
+
+.Lblock16:
+	block16 .Lblock16, .Lblock16
 
 .Lword_loop:
 	ldr	r2, [r0], #4
