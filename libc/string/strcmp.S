@@ -21,8 +21,9 @@ strcmp:
 	push	{r4-r11, lr}
 	mvn	r9, #0
 
-	@ r6: sum of byte differences; r11 and lr: AND of a's words in each half.
-.Lblock64:
+	@ One 64-byte block: r6 = sum of the byte differences, r11 and lr = AND of a's words in
+	@ each half, r2 = 0 only for equal blocks in which the AND shows no zero byte.
+	.macro block64
 	ldmia	r0!, {r2-r5}
 	ldmia	r1!, {r7, r8, r10, r12}
 	usad8	r6, r2, r7
@@ -63,9 +64,18 @@ strcmp:
 	and	lr, lr, r4
 	and	r2, r11, lr
 	uadd8	r2, r2, r9
-	sel	r2, r6, r9		@ zero only for equal blocks without a zero byte
+	sel	r2, r6, r9
+	.endm
+
+.Lblock64:
+	@ Two blocks a turn, so that the first one's test is a single forward branch.
+	block64
+	cbz	r2, 1f
+	b	.Lblock64_end
+1:	block64
 	cmp	r2, #0
 	beq	.Lblock64
+.Lblock64_end:
 	cbz	r6, .Lequal64
 	subs	r0, r0, #64
 	subs	r1, r1, #64

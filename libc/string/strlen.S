@@ -48,17 +48,6 @@ strlen:
 	beq	.Lstep8
 	ldr	r3, [r0], #4
 	zword	r3, .Lfound4
-	b	.Lstep8
-.Lfound4:
-	subs	r0, r0, #4
-.Lfound:
-	@ r0 is the word holding the first zero byte, marked 0xff in r2.
-	rbit	r2, r2
-	clz	r2, r2
-	add	r0, r0, r2, lsr #3
-	subs	r0, r0, r1
-	pop	{r4-r11, pc}
-
 .Lstep8:				@ r0 is 8-byte aligned here
 	tst	r0, #8
 	beq	.Lstep16
@@ -68,10 +57,18 @@ strlen:
 	sel	r2, lr, r12
 	cbz	r2, .Lstep16
 	zword	r3, 1f
-	zword	r4, 2f
+	zword	r4, .Lfound4
 	b	.Lstep16		@ a false hit
-1:	hit	8
-2:	hit	4
+1:	subs	r0, r0, #4
+.Lfound4:
+	subs	r0, r0, #4
+.Lfound:
+	@ r0 is the word holding the first zero byte, marked 0xff in r2.
+	rbit	r2, r2
+	clz	r2, r2
+	add	r0, r0, r2, lsr #3
+	subs	r0, r0, r1
+	pop	{r4-r11, pc}
 
 .Lstep16:
 	tst	r0, #16
@@ -109,7 +106,9 @@ strlen:
 	cbz	r2, .Lblock
 	b	.Lhalf
 
-.Lblock:
+	@ One 64-byte block: r11 = AND of its first half, r2 = 0 unless the AND of all of it
+	@ shows a zero byte.
+	.macro block
 	ldmia	r0!, {r3-r10}
 	and	r3, r3, r4
 	and	r5, r5, r6
@@ -117,7 +116,7 @@ strlen:
 	and	r9, r9, r10
 	and	r3, r3, r5
 	and	r7, r7, r9
-	and	r11, r3, r7		@ first half
+	and	r11, r3, r7
 	ldmia	r0!, {r3-r10}
 	and	r3, r3, r4
 	and	r5, r5, r6
@@ -125,12 +124,21 @@ strlen:
 	and	r9, r9, r10
 	and	r3, r3, r5
 	and	r7, r7, r9
-	and	r3, r3, r7		@ second half
+	and	r3, r3, r7
 	and	r2, r11, r3
 	uadd8	r2, r2, r12
 	sel	r2, lr, r12
+	.endm
+
+.Lblock:
+	@ Two blocks a turn, so that the first one's test is a single forward branch.
+	block
+	cbz	r2, 1f
+	b	.Lblock_end
+1:	block
 	cmp	r2, #0
 	beq	.Lblock
+.Lblock_end:
 	uadd8	r2, r11, r12
 	sel	r2, lr, r12
 	cbz	r2, .Lsecond
