@@ -125,6 +125,21 @@ const void *prepare(const char *op) {
     all(word(a), word(b), 0, 0);
     return reinterpret_cast<const void *>(strcmp);
   }
+  if (same(op, "strcmp10")) {
+    for (int i = 0; i < 10; ++i)
+      a[i] = b[i] = static_cast<uint8_t>('a' + (rnd() >> 40) % 26);
+    a[10] = b[10] = 0;
+    all(word(a), word(b), 0, 0);
+    return reinterpret_cast<const void *>(strcmp);
+  }
+  if (same(op, "strcmp100_d4")) {
+    for (int i = 0; i < 100; ++i)
+      a[i] = b[i] = static_cast<uint8_t>('a' + (rnd() >> 40) % 26);
+    a[100] = b[100] = 0;
+    b[4] = static_cast<uint8_t>(a[4] ^ 0x20);
+    all(word(a), word(b), 0, 0);
+    return reinterpret_cast<const void *>(strcmp);
+  }
   if (same(op, "strcmp100_s1s2")) {
     for (int i = 0; i < 100; ++i)
       a[1 + i] = b[2 + i] = static_cast<uint8_t>('a' + (rnd() >> 40) % 26);

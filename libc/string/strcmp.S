@@ -23,7 +23,7 @@ strcmp:
 
 	@ One 64-byte block: r6 = sum of the byte differences, r11 and lr = AND of a's words in
 	@ each half, r2 = 0 only for equal blocks in which the AND shows no zero byte.
-	.macro block64
+	.macro block64 first=0
 	ldmia	r0!, {r2-r5}
 	ldmia	r1!, {r7, r8, r10, r12}
 	usad8	r6, r2, r7
@@ -33,6 +33,13 @@ strcmp:
 	and	r11, r2, r3
 	and	r4, r4, r5
 	and	r11, r11, r4
+	.if \first
+	uadd8	r3, r11, r9
+	sel	r3, r6, r9
+	cbz	r3, 1f
+	b	.Lfirst16
+1:
+	.endif
 	ldmia	r0!, {r2-r5}
 	ldmia	r1!, {r7, r8, r10, r12}
 	usada8	r6, r2, r7, r6
@@ -67,6 +74,11 @@ strcmp:
 	sel	r2, r6, r9
 	.endm
 
+	@ The first 16 bytes are tested on their own, so that short strings and early
+	@ differences do not pay for a whole block.
+	block64 1
+	cbz	r2, .Lblock64
+	b	.Lblock64_end
 .Lblock64:
 	@ Two blocks a turn, so that the first one's test is a single forward branch.
 	block64
@@ -76,13 +88,8 @@ strcmp:
 	cmp	r2, #0
 	beq	.Lblock64
 .Lblock64_end:
-	cbz	r6, .Lequal64
-	subs	r0, r0, #64
-	subs	r1, r1, #64
-	b	.Lword_loop
-
-.Lequal64:
-	@ The blocks are equal: the strings are too if a's block holds a real zero byte.
+	@ Equal blocks: the strings are too if a's block holds a real zero byte. r2 = 0 when the
+	@ blocks are equal and the first half's AND shows no zero byte.
 	uadd8	r2, r11, r9
 	sel	r2, r6, r9
 	cbnz	r2, .Lfirst_half
@@ -98,7 +105,11 @@ strcmp:
 	movs	r0, #0
 	pop	{r4-r11, pc}
 .Lfirst_half:
-	sub	r2, r0, #32
+	cbz	r6, 1f
+	subs	r0, r0, #64		@ the blocks differ: find the word
+	subs	r1, r1, #64
+	b	.Lword_loop
+1:	sub	r2, r0, #32
 	ldmdb	r2, {r3-r5, r7, r8, r10-r12}
 	.irp w, r3, r4, r5, r7, r8, r10, r11, r12
 	uadd8	r2, \w, r9
@@ -188,8 +199,10 @@ strcmp:
 	b	2b
 
 	@ One 16-byte block: r6 sums the byte differences, r11 is the AND of a's words; a block
-	@ that shows neither goes on at \next, one with a false zero byte at \again.
-	.macro block16 next, again
+	@ that shows neither goes on at \next, one with a false zero byte at \again. \hit names
+	@ the path of a block that shows either, which the first 16 bytes of the 64-byte bulk
+	@ share.
+	.macro block16 next, again, hit
 	ldmia	r0!, {r2-r5}
 	ldmia	r1!, {r7, r8, r10, r12}
 	usad8	r6, r2, r7
@@ -203,6 +216,9 @@ strcmp:
 	sel	r11, r6, r9
 	cmp	r11, #0
 	beq	\next
+	.ifnb \hit
+\hit:
+	.endif
 	cbz	r6, 1f
 	subs	r0, r0, #16
 	subs	r1, r1, #16
@@ -226,7 +242,7 @@ strcmp:
 	bne	.Lblock16
 3:	tst	r0, #48
 	beq	.Lblock64
-	block16 3b, 3b
+	block16 3b, 3b, .Lfirst16
 
 .Lblock16:
 	block16 .Lblock16, .Lblock16
