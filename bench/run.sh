@@ -280,6 +280,7 @@ strlen100 strlen~100~chars~(offsets~0..7) -
 strlen1000 strlen~1000~chars~(offsets~0..7) <=400
 strcmp10 strcmp~equal~10~chars~aligned -
 strcmp100 strcmp~equal~100~chars~aligned <=100
+strcmp100_tail strcmp~equal~100~chars,~other~bytes~after,~aligned -
 strcmp100_s1s2 strcmp~equal~100~chars~s1+1~s2+2 -
 strcmp100_d4 strcmp~100~chars~differing~at~byte~4~aligned -
 uidiv __aeabi_uidiv~(random~bit~lengths) -

@@ -132,6 +132,17 @@ const void *prepare(const char *op) {
     all(word(a), word(b), 0, 0);
     return reinterpret_cast<const void *>(strcmp);
   }
+  if (same(op, "strcmp100_tail")) {
+    for (int i = 0; i < 100; ++i)
+      a[i] = b[i] = static_cast<uint8_t>('a' + (rnd() >> 40) % 26);
+    a[100] = b[100] = 0;
+    for (int i = 101; i < 200; ++i) {
+      a[i] = 'x';
+      b[i] = 'y';
+    }
+    all(word(a), word(b), 0, 0);
+    return reinterpret_cast<const void *>(strcmp);
+  }
   if (same(op, "strcmp100_d4")) {
     for (int i = 0; i < 100; ++i)
       a[i] = b[i] = static_cast<uint8_t>('a' + (rnd() >> 40) % 26);
