@@ -5,54 +5,11 @@
 @ byte differences of a block (zero exactly when the blocks are equal), the AND of a's words
 @ shows each zero byte (and sometimes one that no word has), and one SEL merges the two. An
 @ aligned block never crosses a page, so reading past the terminator is harmless. Strings at
-@ the same offset within 64 bytes use 64-byte blocks, others 16-byte ones.
+@ the same offset within 64 bytes use 64-byte blocks, others 16-byte ones; the words of a block
+@ that shows a difference or a zero byte are then examined one by one.
 	.syntax unified
 	.thumb
 	.text
-	.global strcmp
-	.hidden strcmp
-	.type strcmp, %function
-	.thumb_func
-	.p2align 2
-	@ r7 marks the bytes where \a differs from \b or is zero.
-	.macro pair_mark a, b
-	uadd8	r7, \a, r9
-	eor	r7, \a, \b
-	sel	r7, r7, r9
-	.endm
-
-	@ With a quarter block of a in r2-r5 and of b in r8, r10, r12, lr: the first word that
-	@ differs or ends a decides; falls through when none does.
-	.macro decide_words
-	pair_mark r2, r8
-	cbnz	r7, 3f
-	pair_mark r3, r10
-	cbnz	r7, 4f
-	pair_mark r4, r12
-	cbnz	r7, 5f
-	pair_mark r5, lr
-	cbz	r7, 7f
-	mov	r2, r5
-	mov	r3, lr
-	b	.Lend
-3:	mov	r3, r8
-	b	.Lend
-4:	mov	r2, r3
-	mov	r3, r10
-	b	.Lend
-5:	mov	r2, r4
-	mov	r3, r12
-	b	.Lend
-7:
-	.endm
-
-strcmp:
-	orr	r2, r0, r1
-	lsls	r2, r2, #26
-	bne	.Lnot64
-	push	{r4-r11, lr}
-	mvn	r9, #0
-
 	@ Registers of the bulk: a's words of a quarter block in r2-r5, b's in r8, r10, r12 and lr;
 	@ r6 sums the byte differences, r11 and r7 are the ANDs of a's words in each half.
 	@ One 64-byte block leaves r2 = 0 only when the blocks are equal and the AND shows no zero
@@ -105,6 +62,50 @@ strcmp:
 	uadd8	r2, r2, r9
 	sel	r2, r6, r9
 	.endm
+
+	@ r7 marks the bytes where \a differs from \b or is zero.
+	.macro pair_mark a, b
+	uadd8	r7, \a, r9
+	eor	r7, \a, \b
+	sel	r7, r7, r9
+	.endm
+
+	@ With a quarter block of a in r2-r5 and of b in r8, r10, r12, lr: the first word that
+	@ differs or ends a decides; falls through when none does.
+	.macro decide_words
+	pair_mark r2, r8
+	cbnz	r7, 3f
+	pair_mark r3, r10
+	cbnz	r7, 4f
+	pair_mark r4, r12
+	cbnz	r7, 5f
+	pair_mark r5, lr
+	cbz	r7, 7f
+	mov	r2, r5
+	mov	r3, lr
+	b	.Lend
+3:	mov	r3, r8
+	b	.Lend
+4:	mov	r2, r3
+	mov	r3, r10
+	b	.Lend
+5:	mov	r2, r4
+	mov	r3, r12
+	b	.Lend
+7:
+	.endm
+
+	.global strcmp
+	.hidden strcmp
+	.type strcmp, %function
+	.thumb_func
+	.p2align 2
+strcmp:
+	orr	r2, r0, r1
+	lsls	r2, r2, #26
+	bne	.Lnot64
+	push	{r4-r11, lr}
+	mvn	r9, #0
 
 	@ The first 16 bytes are tested on their own, so that short strings and early
 	@ differences do not pay for a whole block.
