@@ -133,7 +133,7 @@ strcmp:
 	sel	r2, r6, r9
 	cbnz	r2, .Lzero
 	.endr
-	b	.Lblock64
+	b	.Lexact64		@ a false hit
 .Lzero:
 	movs	r0, #0
 	pop	{r4-r11, pc}
@@ -199,6 +199,19 @@ strcmp:
 	decide_words
 	b	.Lword_loop		@ not reached: the second half differs
 
+.Lfirst16:
+	@ The first 16 bytes show a difference or a zero byte; their words are in the registers.
+	cbz	r6, 1f
+	decide_words
+1:	.irp w, r2, r3, r4, r5
+	uadd8	r7, \w, r9
+	sel	r7, r6, r9
+	cbnz	r7, 2f
+	.endr
+	b	.Lexact48		@ a false zero byte
+2:	movs	r0, #0
+	pop	{r4-r11, pc}
+
 .Lfirst_block_end:
 	cbnz	r6, 1f
 	b	.Lblock64_end
@@ -218,6 +231,55 @@ strcmp:
 	b	.Lsecond_decides
 1:	decide_words
 	b	.Lsecond_decides	@ a false zero byte
+
+	@ After a false zero byte each word of a is tested on its own: r7 collects 0xff in each
+	@ byte position where one of them has a zero byte. Text that mixes capitals with spaces
+	@ or digits ANDs to false zero bytes in most blocks.
+	.macro equarter first=0
+	ldmia	r0!, {r2-r5}
+	ldmia	r1!, {r8, r10, r12, lr}
+	.if \first
+	usad8	r6, r2, r8
+	.else
+	usada8	r6, r2, r8, r6
+	.endif
+	usada8	r6, r3, r10, r6
+	usada8	r6, r4, r12, r6
+	usada8	r6, r5, lr, r6
+	.irp w, r2, r3, r4, r5
+	uadd8	r11, \w, r9
+	sel	r7, r7, r9
+	.endr
+	.endm
+
+.Lexact48:				@ the rest of the first block
+	movs	r7, #0
+	equarter 1
+	equarter
+	equarter
+	orrs	r2, r6, r7
+	beq	.Lexact64
+	subs	r0, r0, #48
+	subs	r1, r1, #48
+	b	.Lexact_end
+.Lexact64:
+	movs	r7, #0
+	equarter 1
+	equarter
+	equarter
+	equarter
+	orrs	r2, r6, r7
+	beq	.Lexact64
+	subs	r0, r0, #64
+	subs	r1, r1, #64
+.Lexact_end:
+	cbnz	r6, 1f
+	movs	r0, #0			@ equal through a real zero byte
+	pop	{r4-r11, pc}
+1:	ldmia	r0!, {r2-r5}		@ the first word that differs or ends a decides
+	ldmia	r1!, {r8, r10, r12, lr}
+	decide_words
+	b	1b
 
 .Lnot64:
 	eor	r2, r0, r1
@@ -298,9 +360,8 @@ strcmp:
 
 	@ One 16-byte block, registers as in the bulk (r11 the AND of a's words). A block that
 	@ shows neither a difference nor a zero byte goes on at \next, one with a false zero byte
-	@ at \again. \hit names the path of a block that shows either, which the first 16 bytes
-	@ of the 64-byte bulk share.
-	.macro block16 next, again, hit
+	@ at \again.
+	.macro block16 next, again
 	ldmia	r0!, {r2-r5}
 	ldmia	r1!, {r8, r10, r12, lr}
 	usad8	r6, r2, r8
@@ -314,9 +375,6 @@ strcmp:
 	sel	r7, r6, r9
 	cmp	r7, #0
 	beq	\next
-	.ifnb \hit
-\hit:
-	.endif
 	@ The words are still in the registers. Equal blocks: the strings are too if a's words
 	@ hold a real zero byte. Otherwise the first word that differs or ends a decides.
 	cbz	r6, 1f
@@ -341,7 +399,7 @@ strcmp:
 .Lalign64:
 	tst	r0, #48
 	beq	.Lblock64
-	block16 .Lalign64, .Lalign64, .Lfirst16
+	block16 .Lalign64, .Lalign64
 
 .Lblock16:
 	block16 .Lblock16, .Lblock16

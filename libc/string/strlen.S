@@ -5,7 +5,7 @@
 @ crosses a page and always holds a byte of the string, so reading past the terminator is
 @ harmless. The AND shows a zero byte wherever a word has one, and sometimes where none has
 @ (bytes of different words with no bit in common): each hit is confirmed word by word, and
-@ after a false one the search goes on behind it.
+@ after a false one the search goes on behind it, testing every word.
 	.syntax unified
 	.thumb
 	.text
@@ -155,7 +155,7 @@ strlen:
 	zword	r8, 6f
 	zword	r9, 7f
 	zword	r10, 8f
-	b	.Lblock			@ a false hit
+	b	.Lexact			@ a false hit
 1:	hit	32
 2:	hit	28
 3:	hit	24
@@ -178,7 +178,7 @@ strlen:
 	@ A false hit: after the 32-byte step the bulk goes on, after a block's first half
 	@ its second half is next.
 	tst	r0, #32
-	beq	.Lblock
+	beq	.Lexact
 	add	r0, r0, #32
 	b	.Lsecond
 1:	hit	32
@@ -189,6 +189,27 @@ strlen:
 6:	hit	12
 7:	hit	8
 8:	hit	4
+
+.Lexact:
+	@ After a false hit the words of a block are tested one by one (r2 collects 0xff in each
+	@ byte position where one of them has a zero byte): text that mixes capitals with spaces
+	@ or digits ANDs to false zero bytes in most blocks.
+	ldmia	r0!, {r3-r10}
+	uadd8	r11, r3, r12
+	sel	r2, lr, r12
+	.irp w, r4, r5, r6, r7, r8, r9, r10
+	uadd8	r11, \w, r12
+	sel	r2, r2, r12
+	.endr
+	ldmia	r0!, {r3-r10}
+	.irp w, r3, r4, r5, r6, r7, r8, r9, r10
+	uadd8	r11, \w, r12
+	sel	r2, r2, r12
+	.endr
+	cmp	r2, #0
+	beq	.Lexact
+	sub	r0, r0, #32		@ the first half, then the second
+	b	.Lhalf
 	.size strlen, . - strlen
 
 	.section .note.GNU-stack,"",%progbits
