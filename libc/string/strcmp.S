@@ -402,7 +402,15 @@ strcmp:
 	block16 .Lalign64, .Lalign64
 
 .Lblock16:
-	block16 .Lblock16, .Lblock16
+	block16 .Lblock16, .Lexact16
+.Lexact16:
+	movs	r7, #0
+	equarter 1
+	orrs	r2, r6, r7
+	beq	.Lexact16
+	subs	r0, r0, #16
+	subs	r1, r1, #16
+	b	.Lexact_end
 
 .Lword_loop:
 	ldr	r2, [r0], #4
