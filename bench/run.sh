@@ -288,8 +288,13 @@ memset4k memset~4~KiB <=300
 strlen8 strlen~8~chars~(offsets~0..7) -
 strlen100 strlen~100~chars~(offsets~0..7) -
 strlen1000 strlen~1000~chars~(offsets~0..7) <=400
+strlen1000_text strlen~1000~chars~of~text~(offsets~0..7) -
+strcmp10 strcmp~equal~10~chars~aligned -
 strcmp100 strcmp~equal~100~chars~aligned <=100
+strcmp100_tail strcmp~equal~100,~other~bytes~after -
+strcmp100_text strcmp~equal~100~chars~of~text,~aligned -
 strcmp100_s1s2 strcmp~equal~100~chars~s1+1~s2+2 -
+strcmp100_d4 strcmp~100~chars~differing~at~byte~4 -
 uidiv __aeabi_uidiv~(random~bit~lengths) -
 uldivmod __aeabi_uldivmod~(random~bit~lengths) <=100
 ROWS

@@ -82,6 +82,24 @@ void copy_args(void *d, const void *s, size_t n) { all(word(d), word(s), n, 0); 
 void fill_args(void *d, size_t n, int v) { all(word(d), n, static_cast<uint32_t>(v), 0); }
 #endif
 
+// Mixed-case text with spaces and digits: bytes of different words often have no bit in
+// common, unlike the lowercase letters of the other rows.
+char text_at(size_t i) {
+  const char *words = "The Quick Brown Fox Jumps Over 13 Lazy Dogs, And Then 42 More. ";
+  return words[i % 63];
+}
+
+void strlen_text_args(size_t len) {
+  for (int r = 0; r < 8; ++r) {
+    char *s = strings[r] + r;
+    for (size_t i = 0; i < len; ++i)
+      s[i] = text_at(i * 7 + r);
+    s[len] = 0;
+  }
+  for (size_t i = 0; i < 256; ++i)
+    table[i] = {{word(strings[i & 7] + (i & 7)), 0, 0, 0}};
+}
+
 void strlen_args(size_t len) {
   for (int r = 0; r < 8; ++r) {
     char *s = strings[r] + r;
@@ -118,10 +136,45 @@ const void *prepare(const char *op) {
     return strlen_args(100), reinterpret_cast<const void *>(strlen);
   if (same(op, "strlen1000"))
     return strlen_args(1000), reinterpret_cast<const void *>(strlen);
+  if (same(op, "strlen1000_text"))
+    return strlen_text_args(1000), reinterpret_cast<const void *>(strlen);
   if (same(op, "strcmp100")) {
     for (int i = 0; i < 100; ++i)
       a[i] = b[i] = static_cast<uint8_t>('a' + (rnd() >> 40) % 26);
     a[100] = b[100] = 0;
+    all(word(a), word(b), 0, 0);
+    return reinterpret_cast<const void *>(strcmp);
+  }
+  if (same(op, "strcmp10")) {
+    for (int i = 0; i < 10; ++i)
+      a[i] = b[i] = static_cast<uint8_t>('a' + (rnd() >> 40) % 26);
+    a[10] = b[10] = 0;
+    all(word(a), word(b), 0, 0);
+    return reinterpret_cast<const void *>(strcmp);
+  }
+  if (same(op, "strcmp100_text")) {
+    for (int i = 0; i < 100; ++i)
+      a[i] = b[i] = static_cast<uint8_t>(text_at(i * 7));
+    a[100] = b[100] = 0;
+    all(word(a), word(b), 0, 0);
+    return reinterpret_cast<const void *>(strcmp);
+  }
+  if (same(op, "strcmp100_tail")) {
+    for (int i = 0; i < 100; ++i)
+      a[i] = b[i] = static_cast<uint8_t>('a' + (rnd() >> 40) % 26);
+    a[100] = b[100] = 0;
+    for (int i = 101; i < 200; ++i) {
+      a[i] = 'x';
+      b[i] = 'y';
+    }
+    all(word(a), word(b), 0, 0);
+    return reinterpret_cast<const void *>(strcmp);
+  }
+  if (same(op, "strcmp100_d4")) {
+    for (int i = 0; i < 100; ++i)
+      a[i] = b[i] = static_cast<uint8_t>('a' + (rnd() >> 40) % 26);
+    a[100] = b[100] = 0;
+    b[4] = static_cast<uint8_t>(a[4] ^ 0x20);
     all(word(a), word(b), 0, 0);
     return reinterpret_cast<const void *>(strcmp);
   }

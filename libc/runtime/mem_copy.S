@@ -9,6 +9,14 @@
 
 #include "support/asm_entry.h"
 
+	@ Copies one word per register from the unaligned source r1 to the aligned destination r0.
+	.macro uwords regs:vararg
+	.irp r, \regs
+	ldr	\r, [r1], #4
+	.endr
+	stmia	r0!, {\regs}
+	.endm
+
 	.p2align 2
 entry memcpy, hidden
 entry __kv_mem_copy, hidden
@@ -119,31 +127,40 @@ entry _memcpy_lastbytes_aligned, protected
 	tst	r1, #3
 	beq	__rt_memcpy_w
 .Lsrc_misaligned:
-	@ Destination aligned, source not, at least 5 bytes.
+	@ Destination aligned, source not, at least 5 bytes. Each word takes one unaligned LDR
+	@ (merging two aligned words costs two instructions a word); STMs of up to eleven
+	@ registers store them.
 	subs	r2, r2, #64
 	blo	2f
-	push	{r4-r10}
-1:	ldr	r3, [r1], #4
-	ldr	r4, [r1], #4
-	ldr	r5, [r1], #4
-	ldr	r6, [r1], #4
-	ldr	r7, [r1], #4
-	ldr	r8, [r1], #4
-	ldr	r9, [r1], #4
-	ldr	r10, [r1], #4
-	stmia	r0!, {r3-r10}
-	ldr	r3, [r1], #4
-	ldr	r4, [r1], #4
-	ldr	r5, [r1], #4
-	ldr	r6, [r1], #4
-	ldr	r7, [r1], #4
-	ldr	r8, [r1], #4
-	ldr	r9, [r1], #4
-	ldr	r10, [r1], #4
-	stmia	r0!, {r3-r10}
-	subs	r2, r2, #64
-	bhs	1b
-	pop	{r4-r10}
+	push	{r4-r11, lr}
+	subs	r2, r2, #192		@ count - 256
+	blo	.Lu_below256
+.Lu_loop:
+	uwords	r3, r4, r5, r6, r7, r8, r9, r10, r11, r12, lr
+	uwords	r3, r4, r5, r6, r7, r8, r9, r10, r11, r12, lr
+	uwords	r3, r4, r5, r6, r7, r8, r9, r10, r11, r12, lr
+	uwords	r3, r4, r5, r6, r7, r8, r9, r10, r11, r12, lr
+	uwords	r3, r4, r5, r6, r7, r8, r9, r10, r11, r12, lr
+	uwords	r3, r4, r5, r6, r7, r8, r9, r10, r11
+	subs	r2, r2, #256
+	bhs	.Lu_loop
+.Lu_below256:
+	@ The low 8 bits of r2 are what is left.
+	lsls	r3, r2, #25		@ C = 128, N = 64
+	bcc	1f
+	uwords	r3, r4, r5, r6, r7, r8, r9, r10, r11, r12, lr
+	uwords	r3, r4, r5, r6, r7, r8, r9, r10, r11, r12, lr
+	uwords	r3, r4, r5, r6, r7, r8, r9, r10, r11, r12
+1:	bpl	1f
+	uwords	r3, r4, r5, r6, r7, r8, r9, r10
+	uwords	r3, r4, r5, r6, r7, r8, r9, r10
+1:	lsls	r3, r2, #27		@ C = 32, N = 16
+	bcc	1f
+	uwords	r3, r4, r5, r6, r7, r8, r9, r10
+1:	bpl	1f
+	uwords	r3, r4, r5, r6
+1:	pop	{r4-r11, lr}
+	b	4f
 2:	@ The low 6 bits of r2 are what is left.
 	lsls	r3, r2, #27		@ C = 32, N = 16
 	bcc	3f

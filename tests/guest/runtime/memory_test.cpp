@@ -8,7 +8,8 @@
 namespace {
 
 constexpr size_t guard = 16;
-constexpr size_t large_counts[] = {127, 128, 129, 1000, 4096, 4099};
+// 255..257 and 511 around the 256-byte turn of the unaligned copy.
+constexpr size_t large_counts[] = {127, 128, 129, 255, 256, 257, 511, 1000, 4096, 4099};
 constexpr size_t max_count = 4099;
 
 // Source contents by absolute position; not periodic at any small distance, so a byte taken
