@@ -8,7 +8,7 @@
 // mathematical library's sqrt and sqrtf, with the same inputs.
 #include <stdint.h>
 
-#include "bench_args.h"
+#include "word_calls.h"
 
 extern "C" {
 void __aeabi_dadd(void);
@@ -39,18 +39,7 @@ float _fsqrt(float);
 #endif
 }
 
-using Fn = void (*)(uint32_t, uint32_t, uint32_t, uint32_t);
-
-extern "C" __attribute__((noinline)) void bench_empty(uint32_t, uint32_t, uint32_t, uint32_t) {
-  asm volatile("");
-}
-
 namespace {
-
-struct Args {
-  uint32_t a[4];
-};
-Args table[256];
 
 uint64_t state = 0x243F6A8885A308D3ull;
 uint64_t rnd() {
@@ -136,19 +125,4 @@ const void *prepare(const char *op) {
 
 } // namespace
 
-int main(int argc, char **argv) {
-  if (argc < 3)
-    return 2;
-  const char *op = argv[1];
-  bool calibrate = calibration(op);
-  const void *entry = prepare(op);
-  if (!entry)
-    return 2;
-  Fn volatile f = calibrate ? bench_empty : reinterpret_cast<Fn>(const_cast<void *>(entry));
-  unsigned n = parse(argv[2]);
-  for (unsigned i = 0; i < n; ++i) {
-    const Args &t = table[i & 255];
-    f(t.a[0], t.a[1], t.a[2], t.a[3]);
-  }
-  return 0;
-}
+int main(int argc, char **argv) { return run_word_calls(argc, argv, prepare); }

@@ -10,7 +10,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#include "bench_args.h"
+#include "word_calls.h"
 
 extern "C" {
 #ifdef KV_BENCH_PEER
@@ -28,18 +28,7 @@ void __aeabi_uidiv(void);
 void __aeabi_uldivmod(void);
 }
 
-using Fn = void (*)(uint32_t, uint32_t, uint32_t, uint32_t);
-
-extern "C" __attribute__((noinline)) void bench_empty(uint32_t, uint32_t, uint32_t, uint32_t) {
-  asm volatile("");
-}
-
 namespace {
-
-struct Args {
-  uint32_t a[4];
-};
-Args table[256];
 
 constexpr size_t buf_size = 8192, pad = 256;
 alignas(64) uint8_t buf_a[buf_size + 2 * pad];
@@ -203,19 +192,4 @@ const void *prepare(const char *op) {
 
 } // namespace
 
-int main(int argc, char **argv) {
-  if (argc < 3)
-    return 2;
-  const char *op = argv[1];
-  bool calibrate = calibration(op);
-  const void *entry = prepare(op);
-  if (!entry)
-    return 2;
-  Fn volatile fn = calibrate ? bench_empty : reinterpret_cast<Fn>(const_cast<void *>(entry));
-  unsigned n = parse(argv[2]);
-  for (unsigned i = 0; i < n; ++i) {
-    const Args &t = table[i & 255];
-    fn(t.a[0], t.a[1], t.a[2], t.a[3]);
-  }
-  return 0;
-}
+int main(int argc, char **argv) { return run_word_calls(argc, argv, prepare); }
