@@ -59,14 +59,22 @@ int socket_type(int host) {
   return type;
 }
 
-Outcome send_common(Process &p, const Request &r, uint32_t dest, uint32_t dest_len) {
-  int host;
-  Outcome fail;
+// The socket (word 0) and the flags (word 3) of a send or receive request, in the host's terms.
+bool transfer_socket(Process &p, const Request &r, int &host, int &flags, Outcome &fail) {
   if (!socket_of(p, r.w[0], host, fail))
+    return false;
+  if (int e = host_flags(r.w[3], flags)) {
+    fail = failure(e);
+    return false;
+  }
+  return true;
+}
+
+Outcome send_common(Process &p, const Request &r, uint32_t dest, uint32_t dest_len) {
+  int host, flags;
+  Outcome fail;
+  if (!transfer_socket(p, r, host, flags, fail))
     return fail;
-  int flags;
-  if (int e = host_flags(r.w[3], flags))
-    return failure(e);
   uint32_t length = r.w[2];
   if (!p.memory.accessible(r.w[1], length, kProtRead))
     return failure(KV_EFAULT);
@@ -90,13 +98,10 @@ Outcome send_common(Process &p, const Request &r, uint32_t dest, uint32_t dest_l
 }
 
 Outcome receive_common(Process &p, const Request &r, uint32_t from, uint32_t from_len) {
-  int host;
+  int host, flags;
   Outcome fail;
-  if (!socket_of(p, r.w[0], host, fail))
+  if (!transfer_socket(p, r, host, flags, fail))
     return fail;
-  int flags;
-  if (int e = host_flags(r.w[3], flags))
-    return failure(e);
   uint32_t length = std::min(r.w[2], kMostBytes);
   if (!p.memory.accessible(r.w[1], length, kProtWrite))
     return failure(KV_EFAULT);
