@@ -2,7 +2,7 @@
 // integer-to-floating direction at its rounding points.
 #include <kvtest.h>
 
-#include "fp_names.h"
+#include <fp_names.h>
 
 using namespace fp_test;
 

@@ -2,7 +2,7 @@
 // an __aeabi_ name that libc.so provides. volatile keeps the compiler from folding.
 #include <kvtest.h>
 
-#include "fp_names.h"
+#include <fp_names.h>
 
 using namespace fp_test;
 

@@ -5,50 +5,29 @@
 #include <kvtest.h>
 
 #include "fp/softfloat.h"
+#include <fp_names.h>
 
 extern "C" {
 double __aeabi_dadd(double, double);
 double __aeabi_dsub(double, double);
 double __aeabi_dmul(double, double);
-double _dadd(double, double);
-double _dsub(double, double);
-double _dmul(double, double);
-int32_t __aeabi_d2iz(double);
-int32_t _dfix(double);
 double __aeabi_i2d(int32_t);
-double _dflt(int32_t);
 double __aeabi_f2d(float);
-double _f2d(float);
 float __aeabi_d2f(double);
-float _d2f(double);
 int __aeabi_dcmplt(double, double);
 int __aeabi_dcmple(double, double);
 int __aeabi_dcmpgt(double, double);
 int __aeabi_dcmpge(double, double);
 int __aeabi_dcmpeq(double, double);
-int _dls(double, double);
-int _dleq(double, double);
-int _dgr(double, double);
-int _dgeq(double, double);
-int _deq(double, double);
 float __aeabi_fadd(float, float);
 float __aeabi_fsub(float, float);
 float __aeabi_fmul(float, float);
 float __aeabi_fdiv(float, float);
-float _fadd(float, float);
-float _fsub(float, float);
-float _fmul(float, float);
-float _fdiv(float, float);
 int __aeabi_fcmplt(float, float);
 int __aeabi_fcmple(float, float);
 int __aeabi_fcmpgt(float, float);
 int __aeabi_fcmpge(float, float);
 int __aeabi_fcmpeq(float, float);
-int _fls(float, float);
-int _fleq(float, float);
-int _fgr(float, float);
-int _fgeq(float, float);
-int _feq(float, float);
 void __aeabi_cdcmple(void);
 void __aeabi_cdcmpeq(void);
 void __aeabi_cdrcmple(void);

@@ -2,7 +2,7 @@
 // beforehand: less N; equal Z C; greater C; unordered C V; r0-r11 kept.
 #include <kvtest.h>
 
-#include "fp_names.h"
+#include <fp_names.h>
 
 extern "C" {
 uint32_t call_flags(void (*fn)(void), uint32_t a0, uint32_t a1, uint32_t a2, uint32_t a3);

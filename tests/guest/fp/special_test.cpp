@@ -1,7 +1,7 @@
 // The arithmetic entries on the target: vectors, the special values, and the exported data.
 #include <kvtest.h>
 
-#include "fp_names.h"
+#include <fp_names.h>
 #include "vectors.h"
 
 using namespace fp_test;

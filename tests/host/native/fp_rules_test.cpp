@@ -8,30 +8,9 @@
 
 #include "fp/softfloat.h"
 #include "fp_reference.h"
+#include "fp_names.h"
 
 extern "C" {
-double _dadd(double, double);
-double _drsb(double, double);
-double _dmul(double, double);
-double _drdiv(double, double);
-double _dsqrt(double);
-double _f2d(float);
-float _d2f(double);
-int _deq(double, double);
-int _dneq(double, double);
-int _dgr(double, double);
-int _dgeq(double, double);
-int _dleq(double, double);
-int _dls(double, double);
-int _dun(double, double);
-int _fls(float, float);
-int32_t _dfix(double);
-uint32_t _dfixu(double);
-int32_t _dfix_r(double);
-uint32_t _ffixu_r(float);
-int64_t _ll_sfrom_d(double);
-uint64_t _ll_ufrom_d(double);
-uint64_t _ll_ufrom_f(float);
 double __fpl_dnaninf(double, double, uint32_t);
 double __fpl_dretinf(uint32_t);
 double __dflt_normalise(uint32_t, uint64_t);

@@ -1,4 +1,4 @@
-// The soft-float entries as programs declare them.
+// The soft-float entries as programs declare them (guest tests and the native build alike).
 #pragma once
 
 #include <stdint.h>
@@ -32,6 +32,10 @@ int _dun(double, double);
 int _feq(float, float);
 int _fneq(float, float);
 int _fun(float, float);
+int _fls(float, float);
+int _fleq(float, float);
+int _fgr(float, float);
+int _fgeq(float, float);
 int32_t _dfix(double);
 uint32_t _dfixu(double);
 int32_t _dfix_r(double);
